@@ -1,0 +1,69 @@
+// What a parse keeps of a log: per-method timings, per-graph entries and the derived averages.
+#pragma once
+
+#include "EventRecord.h"
+#include "GraphMap.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace kvt::profiling {
+
+// A timestamp and a duration, both in the log's time unit.
+struct TimingPair {
+  uint64_t timestamp = 0;
+  uint64_t duration = 0;
+};
+
+// One execution (or the finalize) of a graph.
+struct ExecutionEntry {
+  uint64_t duration = 0;
+  uint64_t timestamp = 0;
+  EventList events;
+};
+using FinalizeEntry = ExecutionEntry;
+
+// A run-level step: init, overall execution, de-init, library load. The de-init slot never sets
+// present; test it by its contents.
+struct RunLevelSlot {
+  uint64_t duration = 0;
+  uint64_t timestamp = 0;
+  EventList events;
+  bool present = false;
+};
+
+// The message types of the log, as the dispatch routes them.
+enum class MethodType : int8_t {
+  execute = 1,
+  finalize = 2,
+  executeWithQueueWait = 3,
+  init = 4,
+  deinit = 5,
+  unnamedTiming = 6,
+  composeGraphs = 7,
+  executeOverall = 8,
+  executeCombined = 9,
+  libLoad = 10,
+};
+
+struct EventModel {
+  TimingPair initTiming;          // derived after parsing
+  TimingPair unnamedTiming;       // type 6
+  TimingPair composeGraphsTiming; // type 7
+  EventList initEvents;           // event type 100 of graph messages; the last one decides
+  bool hasInitEvents = false;
+  RunLevelSlot initSlot; // type 4
+  GraphMap<FinalizeEntry> finalizeByGraph;
+  bool hasFinalize = false;
+  bool hasFinalizeEvents = false;
+  GraphMap<std::vector<ExecutionEntry>> executionsByGraph;
+  bool queueWaitMode = false;
+  GraphMap<ExecutionEntry> averageExecutionByGraph; // derived after parsing
+  GraphMap<std::vector<uint64_t>> queueWaitByGraph; // derived after parsing, one per execution
+  RunLevelSlot executeOverallSlot;                  // type 8
+  bool hasCombinedExecute = false;
+  RunLevelSlot deinitSlot;  // type 5
+  RunLevelSlot libLoadSlot; // type 10
+};
+
+} // namespace kvt::profiling

@@ -1,0 +1,8 @@
+// Not built yet.
+#include "HeaderDetails.h"
+
+namespace kvt::profiling {
+std::string formatHeaderDetails(const LogHeaderDetails&) {
+  return {};
+}
+} // namespace kvt::profiling

@@ -1,0 +1,135 @@
+// Reading a log file chunk by chunk: framing, truncation, absurd sizes, unreadable paths.
+#include "log/LogWriter.h"
+#include "log/ParseDriver.h"
+#include "plugin/Logging.h"
+#include "support/CapturingLogger.h"
+#include "support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+namespace kvt::profiling {
+namespace {
+
+using testing::CapturingLogger;
+using testing::TempDir;
+
+ChunkSpec composeChunk(uint64_t timestamp) {
+  MessageSpec message;
+  message.methodType = 7;
+  message.stampTimestamp = timestamp;
+  ChunkSpec chunk;
+  chunk.messages = std::vector<MessageSpec>{message};
+  return chunk;
+}
+
+// The stamps of every message the driver hands out, and whether it read the whole log.
+struct Drained {
+  bool complete = false;
+  std::vector<uint64_t> stamps;
+};
+
+Drained drain(const std::string& path) {
+  Drained result;
+  FlatBufferReaderUtil streamReader;
+  result.complete = readLogChunks(path, streamReader, [&] {
+    while (const schema::Message* message = streamReader.nextMessage())
+      result.stamps.push_back(message->stamp()->timestamp());
+  });
+  return result;
+}
+
+std::vector<uint8_t> twoChunks() {
+  const ChunkSpec chunks[] = {composeChunk(1), composeChunk(2)};
+  return buildLog(chunks);
+}
+
+TEST(ChunkReader, ReadsFramedChunks) {
+  struct Case {
+    const char* what;
+    std::vector<uint8_t> bytes;
+    bool complete;
+    std::vector<uint64_t> stamps;
+    bool corrupt;
+  };
+  const std::vector<uint8_t> log = twoChunks();
+  const size_t firstChunkBytes = buildChunk(composeChunk(1)).size();
+  auto withTail = [&](std::vector<uint8_t> tail) {
+    std::vector<uint8_t> bytes = log;
+    bytes.insert(bytes.end(), tail.begin(), tail.end());
+    return bytes;
+  };
+  const Case cases[] = {
+      {"empty file", {}, true, {}, false},
+      {"one byte", {7}, true, {}, false},
+      {"three bytes", {7, 0, 0}, true, {}, false},
+      {"two chunks", log, true, {1, 2}, false},
+      {"two chunks and three trailing bytes", withTail({1, 2, 3}), true, {1, 2}, false},
+      {"a 4 GiB size prefix after the chunks",
+       withTail({0xFF, 0xFF, 0xFF, 0xFF, 1}),
+       false,
+       {1, 2},
+       true},
+      // A chunk cut short is zero-padded and verified as it stands: zeros may well verify.
+      {"a 2 GiB size prefix over zeros", {0xFE, 0xFF, 0xFF, 0x7F, 0}, false, {}, true},
+      {"a 2 GiB size prefix over an empty root", {0xFE, 0xFF, 0xFF, 0x7F, 0x10}, true, {}, false},
+      {"a zero size prefix", {0, 0, 0, 0}, false, {}, true},
+      {"second chunk cut in its last field",
+       std::vector<uint8_t>(log.begin(), log.end() - 9),
+       true,
+       {1, 0},
+       false},
+      {"second chunk corrupt",
+       [&] {
+         std::vector<uint8_t> bytes = log;
+         bytes[firstChunkBytes + 4] = 0; // its root offset
+         bytes[firstChunkBytes + 5] = 0;
+         return bytes;
+       }(),
+       false,
+       {1},
+       true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    TempDir dir;
+    CapturingLogger logger;
+    const Drained drained = drain(dir.write("log.bin", c.bytes));
+    EXPECT_EQ(drained.complete, c.complete);
+    EXPECT_EQ(drained.stamps, c.stamps);
+    EXPECT_EQ(logger.contains(logError, "Corrupted flatbuffer binary stream"), c.corrupt);
+  }
+}
+
+TEST(ChunkReader, RefusesWhatIsNoReadableFile) {
+  TempDir dir;
+  struct Case {
+    const char* what;
+    std::string path;
+  };
+  const Case cases[] = {
+      {"missing file", (dir.path() / "missing.log").string()},
+      {"directory", dir.path().string()},
+      {"empty path", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    CapturingLogger logger;
+    EXPECT_FALSE(drain(c.path).complete);
+    EXPECT_EQ(logger.texts(logError),
+              std::vector<std::string>{"Invalid or nonexistent file: " + c.path});
+  }
+}
+
+TEST(ChunkReader, ReadsACompiledFixture) {
+  FlatBufferReaderUtil streamReader;
+  std::vector<uint64_t> stamps;
+  ASSERT_TRUE(readLogChunks(testing::fixtureLog("header-and-compose"), streamReader, [&] {
+    while (const schema::Message* message = streamReader.nextMessage())
+      stamps.push_back(message->stamp()->timestamp());
+  }));
+  EXPECT_EQ(stamps, std::vector<uint64_t>{7000});
+  ASSERT_NE(streamReader.header(), nullptr);
+}
+
+} // namespace
+} // namespace kvt::profiling

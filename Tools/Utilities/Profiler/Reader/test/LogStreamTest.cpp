@@ -1,0 +1,197 @@
+// The chunk verifier's acceptance and rejection rules and its message cursor.
+#include "log/FlatBufferReaderUtil.h"
+#include "log/LogWriter.h"
+#include "plugin/Logging.h"
+#include "support/CapturingLogger.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace kvt::profiling {
+namespace {
+
+using testing::CapturingLogger;
+
+// A chunk's buffer without its size prefix, as loadBuffer takes it.
+std::vector<uint8_t> bufferOf(const ChunkSpec& chunk) {
+  std::vector<uint8_t> bytes = buildChunk(chunk);
+  bytes.erase(bytes.begin(), bytes.begin() + 4);
+  return bytes;
+}
+
+MessageSpec message(int8_t methodType, uint64_t timestamp = 0) {
+  MessageSpec spec;
+  spec.methodType = methodType;
+  spec.stampTimestamp = timestamp;
+  spec.timing = TimingSpec{10, 20};
+  return spec;
+}
+
+ChunkSpec chunkOf(std::vector<MessageSpec> messages) {
+  ChunkSpec chunk;
+  chunk.messages = std::move(messages);
+  return chunk;
+}
+
+EventSpec nestedEvents(int depth) {
+  EventSpec event;
+  event.identifier = "level";
+  if (depth > 1)
+    event.children = std::vector<EventSpec>{nestedEvents(depth - 1)};
+  return event;
+}
+
+void writeRootOffset(std::vector<uint8_t>& buffer, uint32_t offset) {
+  for (int i = 0; i < 4; ++i)
+    buffer[i] = uint8_t(offset >> (8 * i));
+}
+
+TEST(FlatBufferReaderUtil, AcceptsAndRejectsBuffers) {
+  struct Case {
+    const char* what;
+    std::function<std::vector<uint8_t>()> makeBuffer;
+    bool accepted;
+  };
+  const Case cases[] = {
+      {"valid chunk", [] { return bufferOf(chunkOf({message(7)})); }, true},
+      {"root without messages", [] { return bufferOf(ChunkSpec{}); }, true},
+      {"message without method type",
+       [] {
+         MessageSpec spec = message(0);
+         spec.methodType.reset();
+         return bufferOf(chunkOf({spec}));
+       },
+       true},
+      {"11 bytes",
+       [] {
+         std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
+         buffer.resize(11);
+         return buffer;
+       },
+       false},
+      {"empty", [] { return std::vector<uint8_t>(); }, false},
+      {"root offset 0",
+       [] {
+         std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
+         writeRootOffset(buffer, 0);
+         return buffer;
+       },
+       false},
+      {"root offset with bit 31",
+       [] {
+         std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
+         writeRootOffset(buffer, 0x80000010u);
+         return buffer;
+       },
+       false},
+      {"root offset at the end",
+       [] {
+         std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
+         writeRootOffset(buffer, uint32_t(buffer.size()));
+         return buffer;
+       },
+       false},
+      {"all zeros", [] { return std::vector<uint8_t>(64, 0); }, false},
+      {"message without stamp",
+       [] {
+         MessageSpec spec = message(7);
+         spec.stampTimestamp.reset();
+         return bufferOf(chunkOf({spec}));
+       },
+       false},
+      {"message without timing",
+       [] {
+         MessageSpec spec = message(7);
+         spec.timing.reset();
+         return bufferOf(chunkOf({spec}));
+       },
+       false},
+      {"string without terminator",
+       [] {
+         MessageSpec spec = message(1);
+         spec.graphName = "graphname";
+         std::vector<uint8_t> buffer = bufferOf(chunkOf({spec}));
+         const std::string name = "graphname";
+         auto at = std::search(buffer.begin(), buffer.end(), name.begin(), name.end());
+         at[name.size()] = 'x'; // the NUL after the name
+         return buffer;
+       },
+       false},
+      {"event tree within the depth limit",
+       [] {
+         MessageSpec spec = message(1);
+         spec.events = std::vector<EventSpec>{nestedEvents(55)};
+         return bufferOf(chunkOf({spec}));
+       },
+       true},
+      {"event tree deeper than the depth limit",
+       [] {
+         MessageSpec spec = message(1);
+         spec.events = std::vector<EventSpec>{nestedEvents(70)};
+         return bufferOf(chunkOf({spec}));
+       },
+       false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    CapturingLogger logger;
+    FlatBufferReaderUtil reader;
+    const std::vector<uint8_t> buffer = c.makeBuffer();
+    EXPECT_EQ(reader.loadBuffer(buffer), c.accepted);
+    EXPECT_EQ(logger.contains(logError, "Corrupted flatbuffer binary stream"), !c.accepted);
+  }
+}
+
+TEST(FlatBufferReaderUtil, HandsOutMessagesInOrderThenNull) {
+  CapturingLogger logger;
+  FlatBufferReaderUtil reader;
+  const std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7, 1), message(6, 2)}));
+  ASSERT_TRUE(reader.loadBuffer(buffer));
+  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 1u);
+  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 2u);
+  EXPECT_EQ(reader.nextMessage(), nullptr);
+  EXPECT_EQ(reader.nextMessage(), nullptr);
+  EXPECT_EQ(logger.texts(logVerbose),
+            (std::vector<std::string>{"profiling::FlatBufferReaderUtil no more messages! "
+                                      "(Message Counter: 2)",
+                                      "profiling::FlatBufferReaderUtil no more messages! "
+                                      "(Message Counter: 2)"}));
+}
+
+TEST(FlatBufferReaderUtil, KeepsTheFirstHeaderAndResetsTheCounter) {
+  ChunkSpec withoutHeader = chunkOf({message(7, 1)});
+  ChunkSpec first = chunkOf({message(7, 2), message(7, 3)});
+  first.header = HeaderSpec();
+  first.header->netRunVersion = "first";
+  ChunkSpec second = chunkOf({message(6, 4)});
+  second.header = HeaderSpec();
+  second.header->netRunVersion = "second";
+  const auto buffer0 = bufferOf(withoutHeader), buffer1 = bufferOf(first),
+             buffer2 = bufferOf(second);
+
+  FlatBufferReaderUtil reader;
+  ASSERT_TRUE(reader.loadBuffer(buffer0));
+  EXPECT_EQ(reader.header(), nullptr);
+  ASSERT_TRUE(reader.loadBuffer(buffer1));
+  ASSERT_NE(reader.header(), nullptr);
+  EXPECT_EQ(reader.header()->net_run_version()->str(), "first");
+  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 2u);
+  ASSERT_TRUE(reader.loadBuffer(buffer2));
+  EXPECT_EQ(reader.header()->net_run_version()->str(), "first");
+  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 4u);
+  EXPECT_EQ(reader.nextMessage(), nullptr);
+}
+
+TEST(FlatBufferReaderUtil, ARejectedBufferKeepsThePreviousOne) {
+  FlatBufferReaderUtil reader;
+  const std::vector<uint8_t> good = bufferOf(chunkOf({message(7, 1), message(7, 2)}));
+  const std::vector<uint8_t> bad(11, 0);
+  ASSERT_TRUE(reader.loadBuffer(good));
+  EXPECT_FALSE(reader.loadBuffer(bad));
+  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 1u);
+}
+
+} // namespace
+} // namespace kvt::profiling

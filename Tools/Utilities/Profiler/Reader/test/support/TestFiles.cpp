@@ -1,0 +1,47 @@
+// Temporary directories and fixture paths.
+#include "TestFiles.h"
+
+#include <atomic>
+#include <fstream>
+#include <sstream>
+
+#include <unistd.h>
+
+namespace kvt::profiling::testing {
+
+TempDir::TempDir() {
+  static std::atomic<unsigned> counter{0};
+  root = std::filesystem::temp_directory_path() /
+         ("kvt-test-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
+  std::filesystem::remove_all(root);
+  std::filesystem::create_directories(root);
+}
+
+TempDir::~TempDir() {
+  std::error_code ignored;
+  std::filesystem::remove_all(root, ignored);
+}
+
+std::string TempDir::write(const std::string& name, std::span<const uint8_t> bytes) const {
+  const std::filesystem::path file = root / name;
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+  return file.string();
+}
+
+std::string TempDir::write(const std::string& name, const std::string& text) const {
+  return write(name, std::span(reinterpret_cast<const uint8_t*>(text.data()), text.size()));
+}
+
+std::string readFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+std::string fixtureLog(const std::string& name) {
+  return std::string(KVT_FIXTURE_DIR "/") + name + ".log";
+}
+
+} // namespace kvt::profiling::testing
