@@ -16,16 +16,24 @@ ProgressLine::ProgressLine(std::ostream& terminal, bool isTerminal, std::string 
     : terminal(terminal), enabled(isTerminal), label(std::move(label)) {}
 
 ProgressLine::~ProgressLine() {
-  if (drawn)
-    terminal << '\n' << std::flush;
+  if (!drawn)
+    return;
+  draw(Clock::now());
+  terminal << '\n' << std::flush;
 }
 
 void ProgressLine::update(uint64_t done, uint64_t total, uint64_t writtenBytes) {
   if (!enabled)
     return;
+  this->done = done;
+  this->total = total;
+  this->writtenBytes = writtenBytes;
   const Clock::time_point now = Clock::now();
-  if (now - start < quietTime || (drawn && now - lastDrawn < redrawInterval))
-    return;
+  if (now - start >= quietTime && (!drawn || now - lastDrawn >= redrawInterval))
+    draw(now);
+}
+
+void ProgressLine::draw(Clock::time_point now) {
   const double seconds = std::chrono::duration<double>(now - start).count();
   const double mebibytes = double(writtenBytes) / double(1 << 20);
   terminal << '\r' << label << ": " << std::fixed << std::setprecision(0)

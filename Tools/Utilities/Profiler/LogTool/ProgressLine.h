@@ -14,7 +14,7 @@ public:
   ProgressLine(std::ostream& terminal, bool isTerminal, std::string label);
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
-  // Ends the line if one was drawn.
+  // Draws the last state once more and ends the line, if a line was drawn.
   ~ProgressLine();
 
   // Cheap enough to call for every message; redraws a few times a second at most.
@@ -23,12 +23,17 @@ public:
 private:
   using Clock = std::chrono::steady_clock;
 
+  void draw(Clock::time_point now);
+
   std::ostream& terminal;
   const bool enabled;
   const std::string label;
   const Clock::time_point start = Clock::now();
   Clock::time_point lastDrawn;
   bool drawn = false;
+  uint64_t done = 0;
+  uint64_t total = 0;
+  uint64_t writtenBytes = 0;
 };
 
 } // namespace kvt::profiling
