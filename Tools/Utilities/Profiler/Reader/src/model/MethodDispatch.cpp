@@ -27,7 +27,8 @@ bool isVisible(const schema::Message& message, VisibilityLevel visibilityLevel) 
   return message.visibility() < static_cast<int8_t>(visibilityLevel);
 }
 
-// Whether the field is stored; a stored 0 is a value, an absent field is not.
+// Whether the field is stored; a stored 0 is a value, an absent field is not. Generated tables
+// inherit the field lookup privately, hence the cast to their base.
 bool hasField(const schema::Timing& timing, flatbuffers::voffset_t field) {
   return reinterpret_cast<const flatbuffers::Table&>(timing).CheckField(field);
 }
