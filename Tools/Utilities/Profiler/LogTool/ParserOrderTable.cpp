@@ -7,11 +7,8 @@
 
 namespace kvt::profiling {
 
-ParserOrderTable::FieldSet ParserOrderTable::fieldBit(flatbuffers::voffset_t slot) {
-  const size_t field = size_t(slot / 2) - 2;
-  if (slot < 4 || field >= maxFields)
-    throw std::out_of_range("field slot beyond the widest table");
-  return FieldSet(1u << field);
+void ParserOrderTable::throwSlotOutOfRange() {
+  throw std::out_of_range("field slot beyond the widest table");
 }
 
 flatbuffers::uoffset_t ParserOrderTable::finish(flatbuffers::FlatBufferBuilder& builder) const {

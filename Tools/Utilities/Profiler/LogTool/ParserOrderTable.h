@@ -51,8 +51,15 @@ private:
     offsetFields = FieldSet(isOffset ? offsetFields | bit : offsetFields & ~bit);
   }
 
-  // Throws std::out_of_range for a slot beyond maxFields, a programming error.
-  static FieldSet fieldBit(flatbuffers::voffset_t slot);
+  static FieldSet fieldBit(flatbuffers::voffset_t slot) {
+    const size_t field = size_t(slot / 2) - 2;
+    if (slot < 4 || field >= maxFields)
+      throwSlotOutOfRange();
+    return FieldSet(1u << field);
+  }
+
+  // A slot beyond maxFields is a programming error: throws std::out_of_range.
+  [[noreturn]] static void throwSlotOutOfRange();
 
   std::array<uint64_t, maxFields> fieldBits{};
   std::array<FieldSet, 3> fieldsByWidth{}; // fields of 8, 4 and 1 bytes, in that order

@@ -15,9 +15,11 @@ constexpr uint64_t mixBits(uint64_t x) {
 
 } // namespace
 
+FigureSource::FigureSource(uint64_t seed) : seedBits(mixBits(seed)) {}
+
 uint64_t FigureSource::draw(std::initializer_list<uint64_t> keys, uint64_t low,
                             uint64_t high) const {
-  uint64_t bits = mixBits(seed);
+  uint64_t bits = seedBits;
   for (const uint64_t key : keys)
     bits = mixBits(bits ^ key);
   return low + bits % (high - low + 1);

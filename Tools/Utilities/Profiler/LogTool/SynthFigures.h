@@ -24,13 +24,13 @@ enum FigurePurpose : uint64_t {
 
 class FigureSource {
 public:
-  explicit FigureSource(uint64_t seed) : seed(seed) {}
+  explicit FigureSource(uint64_t seed);
 
   // A figure from low to high, both included, that depends only on the seed and the keys.
   uint64_t draw(std::initializer_list<uint64_t> keys, uint64_t low, uint64_t high) const;
 
 private:
-  uint64_t seed;
+  uint64_t seedBits; // the seed, mixed once for all draws
 };
 
 } // namespace kvt::profiling
