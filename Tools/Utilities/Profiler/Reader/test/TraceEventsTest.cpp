@@ -131,7 +131,7 @@ TEST(TraceEvents, Spans) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     testing::CapturingLogger logger;
-    const std::optional<std::vector<TraceEvent>> events = collectTraceEvents(c.graphs);
+    const std::optional<std::vector<TraceEvent>> events = buildTraceEvents(c.graphs);
     ASSERT_TRUE(events.has_value());
     EXPECT_EQ(describe(*events), c.spans);
     EXPECT_TRUE(logger.texts(logError).empty());
@@ -149,7 +149,7 @@ TEST(TraceEvents, StepMissingASubEventKindIsIncompatible) {
     testing::CapturingLogger logger;
     // Earlier complete steps do not save the document.
     EXPECT_FALSE(
-        collectTraceEvents(graphOf({step({.name = "fine", .value = 3}), broken})).has_value());
+        buildTraceEvents(graphOf({step({.name = "fine", .value = 3}), broken})).has_value());
     EXPECT_EQ(logger.texts(logError), std::vector<std::string>{incompatible});
     EXPECT_FALSE(writeTraceJson(graphOf({broken})).has_value());
   }

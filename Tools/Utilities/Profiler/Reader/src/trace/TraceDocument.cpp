@@ -42,7 +42,7 @@ void appendTraceEvent(rapidjson::Value& array, Allocator& allocator, const Trace
 // leaves the document without it.
 bool buildTraceDocument(const GraphMap<ExecutionEntry>& averageExecutionByGraph,
                         rapidjson::Document& document) {
-  const std::optional<std::vector<TraceEvent>> events = collectTraceEvents(averageExecutionByGraph);
+  const std::optional<std::vector<TraceEvent>> events = buildTraceEvents(averageExecutionByGraph);
   if (!events)
     return false;
   Allocator& allocator = document.GetAllocator();

@@ -68,7 +68,7 @@ std::string joinNames(const std::vector<std::string>& names) {
 }
 
 std::optional<std::vector<TraceEvent>>
-collectTraceEvents(const GraphMap<ExecutionEntry>& averageExecutionByGraph) {
+buildTraceEvents(const GraphMap<ExecutionEntry>& averageExecutionByGraph) {
   std::vector<TraceEvent> events;
   uint64_t cursor = 0;
   for (const auto& [graph, average] : averageExecutionByGraph) {

@@ -30,6 +30,6 @@ std::string joinNames(const std::vector<std::string>& names);
 // which advances by the foreground span only. Empty when a step lacks one of its four kinds of
 // sub-event (5001 to 5004); that is reported as the incompatible-log error.
 std::optional<std::vector<TraceEvent>>
-collectTraceEvents(const GraphMap<ExecutionEntry>& averageExecutionByGraph);
+buildTraceEvents(const GraphMap<ExecutionEntry>& averageExecutionByGraph);
 
 } // namespace kvt::profiling
