@@ -1,4 +1,4 @@
-// The trace reader's output operation: where its trace goes and when the statistics are printed.
+// The trace reader's output operation refusing an output file; the golden cases cover the rest.
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
 #include "plugin/Logging.h"
@@ -38,26 +38,6 @@ TEST(ChrometraceWriter, RefusesMissingOrUnopenableFiles) {
     EXPECT_EQ(stdoutText.text(), "");
   }
   EXPECT_FALSE(std::filesystem::exists(dir.path() / "missing"));
-}
-
-TEST(ChrometraceWriter, UnparsedReaderWritesAnEmptyTraceAndTheStatistics) {
-  TempDir dir;
-  const std::string path = (dir.path() / "trace.json").string();
-  dir.write("trace.json", std::string("previous contents, longer than the new ones"));
-  KvtProfileLogReaderChrometrace reader("unused.log", VisibilityLevel(5));
-  StdoutCapture stdoutText;
-  ASSERT_TRUE(reader.writeOutputs(path));
-  EXPECT_EQ(testing::readFile(path), "{\n    \"traceEvents\": []\n}\n");
-  // No header, so the statistics open with an empty line; no overall or library-load section.
-  EXPECT_EQ(stdoutText.text(), "\n"
-                               "Kvt Init/Prepare/Finalize/De-Init/Execute/Lib-Load Statistics:\n"
-                               "------------------------------------------------------------\n"
-                               "Init Stats:\n-----------\n    NetRun: 0 us\n\n"
-                               "Compose Graphs Stats:\n--------------\n    NetRun: 0 us\n\n"
-                               "Finalize Stats:\n---------------\n\n"
-                               "De-Init Stats:\n--------------\n    NetRun: 0 us\n\n"
-                               "Execute Stats (Average):\n------------------------\n"
-                               "Total Inference Time: \n---------------------\n\n");
 }
 
 } // namespace

@@ -159,61 +159,6 @@ TEST(TraceDocument, EmptyTrace) {
   EXPECT_EQ(writeTraceJson({}), "{\n    \"traceEvents\": []\n}");
 }
 
-TEST(TraceDocument, MembersInOrder) {
-  const std::optional<std::string> json =
-      writeTraceJson(graphOf({step({"Conv_1", 2500, 120, 30, {"Copy"}, 800, {"A", "B"}, 5})}));
-  EXPECT_EQ(json, R"({
-    "traceEvents": [
-        {
-            "name": "Wait",
-            "pid": 0,
-            "tid": "Foreground",
-            "ph": "X",
-            "ts": 0,
-            "dur": 120,
-            "cname": "grey",
-            "args": {
-                "Duration": 120
-            }
-        },
-        {
-            "name": "Copy",
-            "pid": 0,
-            "tid": "Background",
-            "ph": "X",
-            "ts": 0,
-            "dur": 30,
-            "args": {
-                "Duration": 30
-            }
-        },
-        {
-            "name": "Conv_1",
-            "pid": 0,
-            "tid": "Foreground",
-            "ph": "X",
-            "ts": 120,
-            "dur": 2500,
-            "args": {
-                "Duration": 2500,
-                "Resources": "PXA, DMA"
-            }
-        },
-        {
-            "name": "A, B",
-            "pid": 0,
-            "tid": "Background",
-            "ph": "X",
-            "ts": 120,
-            "dur": 800,
-            "args": {
-                "Duration": 800
-            }
-        }
-    ]
-})");
-}
-
 TEST(TraceDocument, LargeNumbersAndEscapedNames) {
   const uint64_t huge = ~uint64_t(0);
   const std::optional<std::string> json = writeTraceJson(
