@@ -1,14 +1,14 @@
-// Building goes through FlatBuffers' own parser and text generator only; a document is parsed
-// whole, then each chunk inside it is printed and parsed again on its own.
+// The chunks' JSON goes through FlatBuffers' own parser and text generator only; of a dump
+// document, DumpDocumentReader reads the frame and hands over one chunk at a time.
 #include "LogBuild.h"
 
 #include "ChunkFileWriter.h"
+#include "DumpDocumentReader.h"
 #include "LogDump_generated.h"
 #include "LogSchema.h"
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace kvt::profiling {
 
@@ -31,7 +31,8 @@ public:
     return parser.Parse(printed.c_str());
   }
 
-  // The same for a chunk held as a table in another parser's buffer.
+  // The same for a chunk held as a table in another parser's buffer, such as the log of a
+  // DumpedChunk.
   bool buildFromTable(const flatbuffers::Parser& owner, const void* table) {
     std::string printed;
     return flatbuffers::GenerateTextFromTable(owner, table, chunkTableName, &printed) &&
@@ -55,9 +56,9 @@ bool readText(const std::string& path, std::string& text, std::string& reason) {
     reason = "cannot read it";
     return false;
   }
-  if (bytes > BuildLimits::maxInputBytes) {
-    reason =
-        "larger than the " + std::to_string(BuildLimits::maxInputBytes >> 20) + " MiB build reads";
+  if (bytes > DumpDocumentReader::maxChunkTextBytes) {
+    reason = "more than the " + std::to_string(DumpDocumentReader::maxChunkTextBytes >> 20) +
+             " MiB of JSON a chunk may have";
     return false;
   }
   std::ostringstream content;
@@ -97,26 +98,31 @@ private:
 
   bool buildDocument() {
     const std::string& path = options.inputPaths.front();
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+      return problem(path, "cannot read it");
+    flatbuffers::Parser chunkParser(chunkParsingOptions());
+    if (!loadLogSchema(chunkParser, SchemaRoot::dumpedChunk))
+      return problem("built-in schema", chunkParser.error_);
+    DumpDocumentReader document(in);
     std::string text;
-    std::string reason;
-    if (!readText(path, text, reason))
-      return problem(path, reason);
-    flatbuffers::Parser document(chunkParsingOptions());
-    if (!loadLogSchema(document, SchemaRoot::dumpDocument))
-      return problem("built-in schema", document.error_);
-    if (!document.Parse(text.c_str()))
-      return problem(path, document.error_);
-    text = {}; // the document's buffer holds everything from here on
-    const auto* dump = flatbuffers::GetRoot<schema::LogDump>(document.builder_.GetBufferPointer());
-    if (!dump->chunks())
-      return true;
-    for (flatbuffers::uoffset_t i = 0; i < dump->chunks()->size(); ++i) {
-      if (!canonicalizer.buildFromTable(document, dump->chunks()->Get(i)->log()))
-        return problem(path + ": chunk " + std::to_string(i), canonicalizer.error());
+    for (uint64_t chunk = 0;; ++chunk) {
+      const DumpDocumentReader::Status status = document.next(text);
+      if (status == DumpDocumentReader::Status::end)
+        return true;
+      if (status == DumpDocumentReader::Status::error)
+        return problem(path, document.error());
+      const std::string subject = path + ": chunk " + std::to_string(chunk) + " (line " +
+                                  std::to_string(document.chunkLine()) + ")";
+      if (!chunkParser.Parse(text.c_str()))
+        return problem(subject, chunkParser.error_);
+      const auto* dumped =
+          flatbuffers::GetRoot<schema::DumpedChunk>(chunkParser.builder_.GetBufferPointer());
+      if (!canonicalizer.buildFromTable(chunkParser, dumped->log()))
+        return problem(subject, canonicalizer.error());
       if (!writeChunk())
         return false;
     }
-    return true;
   }
 
   bool writeChunk() {

@@ -15,18 +15,13 @@ struct BuildOptions {
   std::string outputPath;
 };
 
-// Limits on what build reads.
-struct BuildLimits {
-  // The largest JSON file; a whole document is held as one buffer, which must stay below 2 GiB.
-  static constexpr uint64_t maxInputBytes = uint64_t(512) << 20;
-};
-
-// Writes the chunks as the log outputPath. Every chunk gets one canonical layout whatever the
-// order of the fields in its JSON: it is parsed, printed in schema order and parsed again, which
-// is the layout a dump prints and `synth` writes. Keys may be bare or quoted, // comments are
-// allowed, and every field the JSON names is stored even when it holds its default. Returns
-// exitBadInput, with the parser's message on console.err and no file left behind, when an input
-// cannot be read or parsed or the output cannot be written.
+// Writes the chunks as the log outputPath, one at a time: a document of any size is built in the
+// memory of its largest chunk. Every chunk gets one canonical layout whatever the order of the
+// fields in its JSON: it is parsed, printed in schema order and parsed again, which is the layout
+// a dump prints and `synth` writes. Keys may be bare or quoted, // comments are allowed, and every
+// field the JSON names is stored even when it holds its default. Returns exitBadInput, with the
+// parser's message on console.err and no file left behind, when an input cannot be read or parsed
+// or the output cannot be written.
 int buildLog(const BuildOptions& options, ToolConsole& console);
 
 } // namespace kvt::profiling

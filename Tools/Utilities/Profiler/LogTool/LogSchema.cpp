@@ -22,7 +22,7 @@ flatbuffers::IDLOptions chunkPrintingOptions() {
 bool loadLogSchema(flatbuffers::Parser& parser, SchemaRoot root) {
   if (!parser.Parse(profileLogSchemaText, nullptr, "ProfileLog.fbs"))
     return false;
-  return root == SchemaRoot::chunk || parser.Parse(logDumpSchemaText, nullptr, "LogDump.fbs");
+  return root == SchemaRoot::chunk || parser.Parse(dumpedChunkSchemaText, nullptr, "LogDump.fbs");
 }
 
 } // namespace kvt::profiling

@@ -7,11 +7,11 @@
 namespace kvt::profiling {
 
 enum class SchemaRoot {
-  chunk,       // a ProfileLog object: one chunk's buffer
-  dumpDocument // a LogDump object: the chunks of a whole log
+  chunk,      // a ProfileLog object: one chunk's buffer
+  dumpedChunk // a DumpedChunk object: one chunk of a dump document, with its offset and size
 };
 
-// The fully qualified name of a chunk's root table, for printing a table inside a dump document.
+// The fully qualified name of a chunk's root table, for printing it from inside a DumpedChunk.
 inline constexpr const char* chunkTableName = "kvt.profiling.schema.ProfileLog";
 
 // Options for parsing JSON into chunks: keys may be quoted or bare, comments are allowed, every

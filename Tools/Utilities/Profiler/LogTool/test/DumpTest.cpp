@@ -1,5 +1,6 @@
 // What dump makes of logs it cannot read whole: the bad chunk is named by number and offset, the
 // good chunks still make a complete document, and the exit status is 1.
+#include "TextSearch.h"
 #include "ToolRun.h"
 #include "log/LogWriter.h"
 #include "support/TestFiles.h"
@@ -11,6 +12,7 @@
 namespace kvt::profiling {
 namespace {
 
+using testing::countOf;
 using testing::runTool;
 using testing::TempDir;
 using testing::ToolRun;
@@ -39,13 +41,6 @@ FramedLog threeChunkLog() {
 void writeSizePrefix(std::vector<uint8_t>& bytes, size_t offset, uint32_t size) {
   for (int i = 0; i < 4; ++i)
     bytes[offset + size_t(i)] = uint8_t(size >> (8 * i));
-}
-
-size_t countOf(const std::string& text, const std::string& part) {
-  size_t count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-    ++count;
-  return count;
 }
 
 TEST(LogDump, ReportsBadChunksAndKeepsTheGoodOnes) {

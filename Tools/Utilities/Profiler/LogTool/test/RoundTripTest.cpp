@@ -1,5 +1,6 @@
 // Logs survive a dump and a build byte for byte: synthesised logs of every shape, the reader's
 // fixture logs, and chunk files whatever the order in which they name their fields.
+#include "TextSearch.h"
 #include "ToolRun.h"
 #include "log/LogWriter.h"
 #include "support/TestFiles.h"
@@ -12,17 +13,11 @@
 namespace kvt::profiling {
 namespace {
 
+using testing::countOf;
 using testing::readFile;
 using testing::runTool;
 using testing::TempDir;
 using testing::ToolRun;
-
-size_t countOf(const std::string& text, const std::string& part) {
-  size_t count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-    ++count;
-  return count;
-}
 
 // The dump document of log; a failed dump fails the test.
 std::string dumpOf(const std::string& log) {

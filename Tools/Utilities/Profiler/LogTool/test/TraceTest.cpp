@@ -1,5 +1,6 @@
 // The trace reader turns a synthesised linting log into a trace of every execution step, and
 // refuses a basic one, whose steps lack the sub-events a trace is drawn from.
+#include "TextSearch.h"
 #include "ToolRun.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
@@ -13,17 +14,11 @@ namespace kvt::profiling {
 namespace {
 
 using testing::CapturingLogger;
+using testing::countOf;
 using testing::readFile;
 using testing::runTool;
 using testing::StdoutCapture;
 using testing::TempDir;
-
-size_t countOf(const std::string& text, const std::string& part) {
-  size_t count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-    ++count;
-  return count;
-}
 
 struct TraceRun {
   bool written = false;
