@@ -1,5 +1,5 @@
 // Logs survive a dump and a build byte for byte: synthesised logs of every shape, the reader's
-// fixture logs, and chunk files whatever the order in which they name their fields.
+// fixture and golden logs, and chunk files whatever the order in which they name their fields.
 #include "TextSearch.h"
 #include "ToolRun.h"
 #include "log/LogWriter.h"
@@ -72,15 +72,15 @@ TEST(LogRoundTrip, SynthesisedLogsComeBackIdentical) {
   }
 }
 
-TEST(LogRoundTrip, FixtureLogsComeBackIdentical) {
+TEST(LogRoundTrip, ReaderTestLogsComeBackIdentical) {
   std::vector<std::filesystem::path> logs;
-  for (const auto& entry : std::filesystem::directory_iterator(KVT_FIXTURE_DIR))
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(KVT_READER_TEST_LOG_DIR))
     if (entry.path().extension() == ".log")
       logs.push_back(entry.path());
   std::sort(logs.begin(), logs.end());
   ASSERT_FALSE(logs.empty());
   for (const std::filesystem::path& log : logs) {
-    SCOPED_TRACE(log.filename().string());
+    SCOPED_TRACE(log.string());
     const TempDir dir;
     EXPECT_TRUE(buildOf(dir, dumpOf(log.string())) == readFile(log));
   }
