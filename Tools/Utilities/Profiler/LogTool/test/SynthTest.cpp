@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace kvt::profiling {
 namespace {
 
@@ -41,6 +43,18 @@ TEST(LogSynth, UnwritableOutputIsReported) {
   const ToolRun synth = runTool({"synth", "-o", log});
   EXPECT_EQ(synth.exitCode, 1);
   EXPECT_EQ(synth.err, "kvt-profile-log synth: cannot write " + log + "\n");
+}
+
+TEST(LogSynth, WritesThroughASymbolicLinkAndKeepsIt) {
+  // Regression: a log that was no regular file was replaced by renaming a finished file over it,
+  // which turned -o /dev/null into an ordinary file.
+  const TempDir dir;
+  const std::filesystem::path target = dir.path() / "target.log";
+  const std::filesystem::path link = dir.path() / "link.log";
+  std::filesystem::create_symlink(target, link);
+  EXPECT_EQ(runTool({"synth", "-o", link.string()}).exitCode, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_TRUE(readFile(target) == readFile(synthesise(dir, "direct.log", {})));
 }
 
 TEST(LogSynth, ExampleIsTheDumpOfASynthesisedRun) {
