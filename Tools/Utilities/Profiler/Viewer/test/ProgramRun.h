@@ -1,0 +1,21 @@
+// Runs a built program as a subprocess and captures what it prints, for end-to-end tests.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace kvt::profiling::testing {
+
+struct ProgramRun {
+  int exitCode = -1; // -1 when the program did not exit normally
+  std::string standardOutput;
+  std::string standardError;
+};
+
+// Runs program with arguments in workingDir, its standard input empty, and waits for it.
+ProgramRun runProgram(const std::filesystem::path& program,
+                      const std::vector<std::string>& arguments,
+                      const std::filesystem::path& workingDir);
+
+} // namespace kvt::profiling::testing

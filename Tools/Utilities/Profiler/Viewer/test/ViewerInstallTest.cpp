@@ -1,0 +1,36 @@
+// The installed viewer finds its readers from any working directory.
+#include "GoldenFiles.h"
+#include "ProgramRun.h"
+#include "support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+namespace kvt::profiling {
+namespace {
+
+using testing::expectGolden;
+using testing::ProgramRun;
+using testing::runProgram;
+using testing::TempDir;
+
+TEST(ViewerInstall, RunsFromTheInstalledLayoutInAnyDirectory) {
+  const TempDir prefix, elsewhere;
+  const ProgramRun install = runProgram(
+      KVT_CMAKE_COMMAND, {"--install", KVT_BUILD_DIR, "--prefix", prefix.path().string()},
+      elsewhere.path());
+  ASSERT_EQ(install.exitCode, 0) << install.standardError;
+
+  const std::filesystem::path program = prefix.path() / KVT_INSTALLED_PROGRAM;
+  for (const char* reader : {"chrometrace", "csv"}) {
+    SCOPED_TRACE(reader);
+    // The message about the input comes from the library, so it proves the library loaded.
+    const ProgramRun run =
+        runProgram(program, {"--input", "missing.log", "--reader", reader}, elsewhere.path());
+    EXPECT_EQ(run.exitCode, 1);
+    expectGolden("missing-input.stdout", run.standardOutput);
+    expectGolden("missing-input.stderr", run.standardError);
+  }
+}
+
+} // namespace
+} // namespace kvt::profiling
