@@ -48,48 +48,59 @@ constexpr std::string_view helpOptions =
     "exit status: 0 when the outputs were written; 1 when the reader library cannot be loaded,\n"
     "the log cannot be parsed or the outputs cannot be written; 2 for a command-line error.\n";
 
-std::optional<int32_t> parseWholeNumber(std::string_view text, int32_t lowest, int32_t highest) {
-  int32_t number = 0;
-  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (failure != std::errc() || end != text.data() + text.size() || number < lowest ||
-      number > highest)
+// Reads value as a whole number from lowest to highest; the error text when it is not one.
+std::optional<std::string> readNumber(std::string_view option, std::string_view value,
+                                      int32_t lowest, int32_t highest, int32_t& number) {
+  const auto [end, failure] = std::from_chars(value.data(), value.data() + value.size(), number);
+  if (failure == std::errc() && end == value.data() + value.size() && number >= lowest &&
+      number <= highest)
     return std::nullopt;
-  return number;
-}
-
-std::string numberError(std::string_view option, int32_t lowest, int32_t highest,
-                        std::string_view value) {
   return "option " + std::string(option) + " needs a whole number from " + std::to_string(lowest) +
          " to " + std::to_string(highest) + ", not '" + std::string(value) + "'";
 }
 
-// Stores one option's value; the error text when the value is not acceptable.
-std::optional<std::string> applyValue(std::string_view option, std::string_view value,
-                                      ViewerOptions& options) {
-  if (option == "--input")
-    options.inputPath = value;
-  else if (option == "--output")
-    options.outputPath = value;
-  else if (option == "--reader")
-    options.reader = value;
-  else if (option == "--visibility") {
-    constexpr int32_t lowest = INT8_MIN, highest = INT8_MAX;
-    const std::optional<int32_t> level = parseWholeNumber(value, lowest, highest);
-    if (!level)
-      return numberError(option, lowest, highest, value);
-    options.visibilityLevel = VisibilityLevel(*level);
-  } else {
-    const std::optional<int32_t> level = parseWholeNumber(value, quietestLogLevel, loudestLogLevel);
-    if (!level)
-      return numberError(option, quietestLogLevel, loudestLogLevel, value);
-    options.logLevel = *level;
-  }
-  return std::nullopt;
-}
+// An option that takes a value, and how the value is stored; the error text when the value is
+// not acceptable.
+struct ValueOption {
+  std::string_view name;
+  std::optional<std::string> (*store)(std::string_view option, std::string_view value,
+                                      ViewerOptions& options);
+};
 
-bool takesValue(std::string_view option) {
-  return option == "--input" || option == "--output" || option == "--reader" ||
-         option == "--visibility" || option == "--log-level";
+constexpr ValueOption valueOptions[] = {
+    {"--input",
+     [](std::string_view, std::string_view value, ViewerOptions& options) {
+       options.inputPath = value;
+       return std::optional<std::string>();
+     }},
+    {"--output",
+     [](std::string_view, std::string_view value, ViewerOptions& options) {
+       options.outputPath = value;
+       return std::optional<std::string>();
+     }},
+    {"--reader",
+     [](std::string_view, std::string_view value, ViewerOptions& options) {
+       options.reader = value;
+       return std::optional<std::string>();
+     }},
+    {"--visibility",
+     [](std::string_view option, std::string_view value, ViewerOptions& options) {
+       int32_t level = 0;
+       std::optional<std::string> error = readNumber(option, value, INT8_MIN, INT8_MAX, level);
+       options.visibilityLevel = VisibilityLevel(level);
+       return error;
+     }},
+    {"--log-level",
+     [](std::string_view option, std::string_view value, ViewerOptions& options) {
+       return readNumber(option, value, quietestLogLevel, loudestLogLevel, options.logLevel);
+     }},
+};
+
+const ValueOption* findValueOption(std::string_view name) {
+  for (const ValueOption& option : valueOptions)
+    if (option.name == name)
+      return &option;
+  return nullptr;
 }
 
 } // namespace
@@ -119,7 +130,8 @@ ParsedOptions parseViewerOptions(std::span<const std::string_view> arguments) {
       options.showHelp = true;
       return parsed;
     }
-    if (!takesValue(option))
+    const ValueOption* valueOption = findValueOption(option);
+    if (!valueOption)
       return fail("unknown option '" + std::string(option) + "'");
 
     // A following option is not taken for a value: "--input --output x" lacks the input.
@@ -130,7 +142,7 @@ ParsedOptions parseViewerOptions(std::span<const std::string_view> arguments) {
       value = arguments[++i];
     if (value.empty())
       return fail("option " + std::string(option) + " needs a value");
-    if (std::optional<std::string> error = applyValue(option, value, options))
+    if (std::optional<std::string> error = valueOption->store(option, value, options))
       return fail(std::move(*error));
   }
   if (options.inputPath.empty())
