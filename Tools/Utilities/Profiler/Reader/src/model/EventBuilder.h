@@ -8,11 +8,16 @@ namespace kvt::profiling {
 
 using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::Event>>;
 
-// The records of the message's events, in log order; empty when it has none.
+// The records of the message's events, in log order; empty when it has none. Absent fields read
+// 0 or empty, an absent identifier "null"; every record has count 1. The message must come from
+// a verified buffer; the records keep no pointer into it.
 EventList buildEventList(const schema::Message& message);
-// The records of a nested event vector, children first, in log order.
+// The records of a nested event vector, in log order, each with its children built first.
 EventList buildSubEventList(const EventVector& events);
-// Sets record.value (and record.bytes for byte vectors) from the event's value fields.
+// Sets record.value from the event's value_type: 1 value_i64 as dataTypeI64, 3 value_f32 as
+// dataTypeF32 (bit pattern in the low 32 bits), 4 value_bytes into record.bytes with
+// dataTypeBytes and payload 0, 5 value_f64 as dataTypeF64, anything else value_u64 as
+// dataTypeU64.
 void readEventValue(const schema::Event& event, EventRecord& record);
 
 } // namespace kvt::profiling

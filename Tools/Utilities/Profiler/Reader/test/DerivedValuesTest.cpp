@@ -1,0 +1,192 @@
+// The values a parse derives after the last message: averages, queue waits and init timing.
+#include "support/ModelText.h"
+#include "support/ParsedLog.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace kvt::profiling {
+namespace {
+
+using testing::parseMessages;
+
+constexpr const char* queueWaitWarning = "Multiple queue-wait time events found per execution. "
+                                         "Cannot calculate Host Round-Trip excluding queue wait\n";
+
+EventSpec valued(std::string identifier, uint64_t value) {
+  EventSpec spec;
+  spec.identifier = std::move(identifier);
+  spec.valueU64 = value;
+  return spec;
+}
+
+EventSpec queueWait(uint64_t value) {
+  EventSpec spec = valued("queue wait", value);
+  spec.eventType = 405;
+  return spec;
+}
+
+EventSpec holding(std::vector<EventSpec> children) {
+  EventSpec spec;
+  spec.identifier = "holder";
+  spec.children = std::move(children);
+  return spec;
+}
+
+MessageSpec timed(int8_t methodType, uint64_t timestamp, TimingSpec timing,
+                  std::vector<EventSpec> events = {}) {
+  MessageSpec spec;
+  spec.stampTimestamp = timestamp;
+  spec.methodType = methodType;
+  spec.timing = timing;
+  spec.events = std::move(events);
+  spec.graphName = "g";
+  return spec;
+}
+
+MessageSpec execution(int8_t methodType, std::string graph, std::vector<EventSpec> events,
+                      int8_t visibility = 0) {
+  MessageSpec spec = timed(methodType, 0, {}, std::move(events));
+  spec.graphName = std::move(graph);
+  spec.visibility = visibility;
+  return spec;
+}
+
+// "g: 5 6; h: 7"
+std::string queueWaitText(const EventModel& model) {
+  std::ostringstream out;
+  for (const auto& [graph, queueWaits] : model.queueWaitByGraph) {
+    out << (out.tellp() > 0 ? "; " : "") << graph << ':';
+    for (uint64_t queueWait : queueWaits)
+      out << ' ' << queueWait;
+  }
+  return out.str();
+}
+
+TEST(DerivedValues, ExtractsOneQueueWaitPerExecution) {
+  struct Case {
+    const char* what;
+    std::vector<MessageSpec> messages;
+    const char* queueWaits;
+    bool warned;
+  };
+  const Case cases[] = {
+      {"one top-level wait per execution",
+       {execution(3, "g", {queueWait(5)}), execution(3, "g", {holding({}), queueWait(6)}),
+        execution(3, "h", {queueWait(7)})},
+       "g: 5 6; h: 7",
+       false},
+      {"a wait among the children of a top-level event counts",
+       {execution(3, "g", {holding({queueWait(8)})})},
+       "g: 8",
+       false},
+      {"a wait further down does not",
+       {execution(3, "g", {holding({holding({queueWait(8)})})})},
+       "",
+       true},
+      {"two waits in one execution",
+       {execution(3, "g", {queueWait(1), holding({queueWait(2)})})},
+       "",
+       true},
+      {"an execution without a wait empties every graph",
+       {execution(3, "g", {queueWait(1)}), execution(3, "h", {}), execution(3, "g", {})},
+       "",
+       true},
+      {"without queue-wait messages nothing is extracted",
+       {execution(1, "g", {queueWait(1)})},
+       "",
+       false},
+      {"plain and combined executions count once the mode is set",
+       {execution(3, "g", {queueWait(1)}), execution(1, "g", {queueWait(2)}),
+        execution(9, "g", {queueWait(3)})},
+       "g: 1 2 3",
+       false},
+      {"a dropped queue-wait message still sets the mode",
+       {execution(3, "g", {}, 5), execution(1, "g", {queueWait(4)})},
+       "g: 4",
+       false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const testing::ParsedLog log = parseMessages(c.messages);
+    ASSERT_TRUE(log.parsed);
+    EXPECT_EQ(queueWaitText(log.reader->eventModel()), c.queueWaits);
+    EXPECT_EQ(log.printed, c.warned ? queueWaitWarning : "");
+  }
+}
+
+TEST(DerivedValues, DerivesTheInitTiming) {
+  auto finalizeOf = [](std::string graph, uint64_t duration) {
+    MessageSpec spec = timed(2, 0, {0, duration}, {valued("f", 0)});
+    spec.graphName = std::move(graph);
+    return spec;
+  };
+  struct Case {
+    const char* what;
+    std::vector<MessageSpec> messages;
+    uint64_t timestamp;
+    uint64_t duration;
+  };
+  const Case cases[] = {
+      {"finalize: unnamed, compose and every finalize summed, at the unnamed timestamp",
+       {timed(6, 50, {0, 1}), timed(7, 60, {0, 2}), finalizeOf("g", 10), finalizeOf("h", 20),
+        timed(4, 70, {0, 9})},
+       50,
+       33},
+      {"finalize messages without finalize events still switch to the sum",
+       {timed(6, 50, {0, 1}), timed(2, 0, {0, 40})},
+       50,
+       1},
+      {"a zero sum falls back to the init message",
+       {timed(6, 50, {0, 0}), finalizeOf("g", 0), timed(4, 70, {0, 9})},
+       70,
+       9},
+      {"a zero sum without init message keeps the unnamed timestamp",
+       {timed(6, 50, {0, 0}), finalizeOf("g", 0)},
+       50,
+       0},
+      {"without finalize the init message decides",
+       {timed(6, 50, {0, 1}), timed(4, 70, {0, 9})},
+       70,
+       9},
+      {"without finalize or init nothing is derived", {timed(6, 50, {0, 1})}, 0, 0},
+      {"an init message lasting 0 leaves the timing at 0", {timed(4, 70, {5, 5})}, 70, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const testing::ParsedLog log = parseMessages(c.messages);
+    ASSERT_TRUE(log.parsed);
+    const TimingPair& initTiming = log.reader->eventModel().initTiming;
+    EXPECT_EQ(initTiming.timestamp, c.timestamp);
+    EXPECT_EQ(initTiming.duration, c.duration);
+  }
+}
+
+TEST(DerivedValues, AveragesEveryGraphInOrderOfAppearance) {
+  const EventSpec a = valued("a", 3);
+  const EventSpec b = valued("b", 5);
+  std::vector<MessageSpec> messages = {timed(1, 1, {0, 10}, {a}), timed(1, 2, {0, 20}, {a, b}),
+                                       timed(1, 3, {0, 40}, {})};
+  messages.insert(messages.begin() + 1, timed(9, 4, {0, 7}, {b}));
+  messages[1].graphName = "h";
+  const testing::ParsedLog log = parseMessages(messages);
+  ASSERT_TRUE(log.parsed);
+  const auto& averages = log.reader->eventModel().averageExecutionByGraph;
+  ASSERT_EQ(averages.size(), 2u);
+  EXPECT_EQ(averages.begin()->first, "g");
+  const ExecutionEntry& g = *averages.find("g");
+  EXPECT_EQ(g.duration, 23u);
+  EXPECT_EQ(g.timestamp, 3u);
+  EXPECT_EQ(testing::eventsText(g.events), "[a b]");
+  EXPECT_EQ(g.events[0].value.payload, 3u);
+  EXPECT_EQ(g.events[0].count, 2u);
+  const ExecutionEntry& h = *averages.find("h");
+  EXPECT_EQ(h.duration, 7u);
+  EXPECT_EQ(h.timestamp, 4u);
+  EXPECT_EQ(h.events.at(0).value.dataType, dataTypeU64);
+  EXPECT_EQ(log.reader->eventModel().executionsByGraph.find("g")->size(), 3u); // kept as logged
+}
+
+} // namespace
+} // namespace kvt::profiling

@@ -1,0 +1,48 @@
+// Parses a log with a real reader for tests of the event model, keeping what the parse printed.
+#pragma once
+
+#include "log/LogWriter.h"
+#include "plugin/KvtProfileLogReader.h"
+#include "support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <span>
+#include <string>
+
+namespace kvt::profiling::testing {
+
+struct ParsedLog {
+  std::unique_ptr<KvtProfileLogReader> reader;
+  bool parsed = false; // the result of parseLog
+  std::string printed; // what parseLog wrote on the standard output
+};
+
+// Creates a reader for the log at path and parses it.
+inline ParsedLog parseLogFile(const std::string& path,
+                              VisibilityLevel visibilityLevel = VisibilityLevel{1}) {
+  ParsedLog log;
+  log.reader = std::make_unique<KvtProfileLogReader>(path, visibilityLevel);
+  ::testing::internal::CaptureStdout();
+  log.parsed = log.reader->parseLog(false);
+  log.printed = ::testing::internal::GetCapturedStdout();
+  return log;
+}
+
+// Writes the chunks as a log file and parses it.
+inline ParsedLog parseChunks(std::span<const ChunkSpec> chunks,
+                             VisibilityLevel visibilityLevel = VisibilityLevel{1}) {
+  const TempDir dir;
+  return parseLogFile(dir.write("profile.log", buildLog(chunks)), visibilityLevel);
+}
+
+// Writes the messages as a one-chunk log and parses it.
+inline ParsedLog parseMessages(std::vector<MessageSpec> messages,
+                               VisibilityLevel visibilityLevel = VisibilityLevel{1}) {
+  ChunkSpec chunk;
+  chunk.messages = std::move(messages);
+  return parseChunks(std::span(&chunk, 1), visibilityLevel);
+}
+
+} // namespace kvt::profiling::testing
