@@ -1,8 +1,63 @@
-// Not built yet.
+// The saved log header as a short block of text.
 #include "HeaderDetails.h"
 
+#include "plugin/Logging.h"
+
+#include <ctime>
+#include <sstream>
+
 namespace kvt::profiling {
-std::string formatHeaderDetails(const LogHeaderDetails&) {
-  return {};
+
+namespace {
+
+constexpr uint64_t microsecondsPerSecond = 1000000;
+constexpr size_t asctimeBytes = 26; // the C library's fixed "asctime" buffer
+
+// The platform's reentrant forms of localtime and asctime; false on failure.
+bool toLocalTime(std::time_t seconds, std::tm& local) {
+#if defined(_WIN32)
+  return localtime_s(&local, &seconds) == 0;
+#else
+  return localtime_r(&seconds, &local) != nullptr;
+#endif
 }
+
+bool formatAsctime(const std::tm& local, char (&text)[asctimeBytes]) {
+#if defined(_WIN32)
+  return asctime_s(text, asctimeBytes, &local) == 0;
+#else
+  return asctime_r(&local, text) != nullptr;
+#endif
+}
+
+} // namespace
+
+std::string formatHeaderDetails(const LogHeaderDetails& header) {
+  if (!header.headerSaved) {
+    logMessage(logVerbose, "Header details unavailable.");
+    return {};
+  }
+
+  std::ostringstream text;
+  const auto seconds = std::time_t(header.epochTimestampUs / microsecondsPerSecond);
+  std::tm local{};
+  if (toLocalTime(seconds, local)) {
+    // A year too wide for the fixed form fails here; the whole block is then dropped.
+    char created[asctimeBytes];
+    if (!formatAsctime(local, created))
+      return {};
+    text << "Log File Created: " << created; // ends with its own newline
+  }
+  text << "Time Scale: " << header.timeScale << "\n";
+  text << "Epoch Timestamp: " << header.epochTimestampUs
+       << " Steady Clock Timestamp: " << header.steadyClockTimestamp << "\n";
+  text << "Generated using: \n";
+  text << "kvt-profile-viewer " << readerVersion << "\n";
+  if (!header.netRunVersion.empty())
+    text << "kvt-net-run        " << header.netRunVersion << "\n";
+  if (!header.backendVersion.empty())
+    text << "Backend            " << header.backendVersion << "\n";
+  return text.str();
+}
+
 } // namespace kvt::profiling

@@ -6,6 +6,14 @@
 
 namespace kvt::profiling {
 
+// Unit codes of EventRecord::unit; every other code means microseconds.
+enum UnitCode : uint32_t {
+  unitBytes = 2,
+  unitCycles = 3,
+  unitCount = 4,
+  unitObject = 5, // the value is raw bytes, dumped to a file rather than printed
+};
+
 // The CSV unit column: "BYTES", "CYCLES", "COUNT", "OBJECT"; any other code is "US".
 std::string unitName(uint32_t unit);
 // The unit after a value in a report, with its leading blank: " bytes", ..., " us".

@@ -1,0 +1,72 @@
+// The trace as a JSON document, serialised by the pretty writer.
+#include "TraceDocument.h"
+
+#include <rapidjson/document.h>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+
+#include "TraceEvents.h"
+#include "plugin/Logging.h"
+
+namespace kvt::profiling {
+
+namespace {
+
+using Allocator = rapidjson::Document::AllocatorType;
+
+rapidjson::Value copiedString(const std::string& text, Allocator& allocator) {
+  return rapidjson::Value(text.c_str(), rapidjson::SizeType(text.size()), allocator);
+}
+
+// Members in a fixed order; "cname" and "Resources" only when they have text.
+void appendTraceEvent(rapidjson::Value& array, Allocator& allocator, const TraceEvent& event) {
+  rapidjson::Value object(rapidjson::kObjectType);
+  object.AddMember("name", copiedString(event.name, allocator), allocator);
+  object.AddMember("pid", 0, allocator);
+  object.AddMember("tid", copiedString(event.foreground ? "Foreground" : "Background", allocator),
+                   allocator);
+  object.AddMember("ph", copiedString("X", allocator), allocator);
+  object.AddMember("ts", rapidjson::Value(uint64_t(event.start)), allocator);
+  object.AddMember("dur", rapidjson::Value(uint64_t(event.duration)), allocator);
+  if (!event.colour.empty())
+    object.AddMember("cname", copiedString(event.colour, allocator), allocator);
+  rapidjson::Value args(rapidjson::kObjectType);
+  args.AddMember("Duration", rapidjson::Value(uint64_t(event.duration)), allocator);
+  if (!event.resources.empty())
+    args.AddMember("Resources", copiedString(event.resources, allocator), allocator);
+  object.AddMember("args", args, allocator);
+  array.PushBack(object, allocator);
+}
+
+// The "traceEvents" member goes in only once every event is built, so an incompatible log
+// leaves the document without it.
+bool buildTraceDocument(const GraphMap<ExecutionEntry>& averageExecutionByGraph,
+                        rapidjson::Document& document) {
+  const std::optional<std::vector<TraceEvent>> events = buildTraceEvents(averageExecutionByGraph);
+  if (!events)
+    return false;
+  Allocator& allocator = document.GetAllocator();
+  rapidjson::Value array(rapidjson::kArrayType);
+  for (const TraceEvent& event : *events)
+    appendTraceEvent(array, allocator, event);
+  document.AddMember("traceEvents", array, allocator);
+  return true;
+}
+
+} // namespace
+
+std::optional<std::string> writeTraceJson(const GraphMap<ExecutionEntry>& averageExecutionByGraph) {
+  rapidjson::Document document(rapidjson::kObjectType);
+  if (!buildTraceDocument(averageExecutionByGraph, document))
+    return std::nullopt;
+  rapidjson::StringBuffer buffer;
+  rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
+  // The writer stops at the first value it refuses and leaves half a document behind.
+  if (!document.Accept(writer) || !writer.IsComplete()) {
+    logMessage(logError, "Trace document could not be written.");
+    return std::nullopt;
+  }
+  return std::string(buffer.GetString(), buffer.GetSize());
+}
+
+} // namespace kvt::profiling

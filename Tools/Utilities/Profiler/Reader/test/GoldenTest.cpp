@@ -1,0 +1,171 @@
+// The whole pipeline on every case folder of test/golden: the log compiled from the folder's
+// input.json (and input-2.json, ...) is parsed and written by the trace reader and, when the
+// folder holds expected.csv, by the base reader too; every output is compared byte for byte with
+// the expected files beside the input. KVT_UPDATE_GOLDEN=1 rewrites the expected files instead;
+// review their diff before committing them.
+#include "plugin/KvtProfileLogReader.h"
+#include "support/CapturingLogger.h"
+#include "support/StdoutCapture.h"
+#include "support/TestFiles.h"
+#include "trace/KvtProfileLogReaderChrometrace.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+#include <functional>
+#include <memory>
+
+namespace kvt::profiling {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::CapturingLogger;
+using testing::readFile;
+using testing::StdoutCapture;
+using testing::TempDir;
+
+const fs::path goldenDir = KVT_TEST_DATA_DIR "/golden";
+const fs::path goldenLogDir = KVT_GOLDEN_LOG_DIR;
+
+using ReaderFactory = std::function<std::unique_ptr<KvtProfileLogReader>(const std::string&)>;
+
+// One reader's outputs and the expected files they are compared with.
+struct ReaderVariant {
+  const char* outputName; // the output file, written into a temporary directory
+  const char* fileExpected;
+  const char* stdoutExpected;
+  const char* resultExpected;
+  ReaderFactory makeReader;
+};
+
+const ReaderVariant traceReader{"trace.json", "expected.trace.json", "expected.trace.stdout",
+                                "expected.trace.result", [](const std::string& logPath) {
+                                  return std::make_unique<KvtProfileLogReaderChrometrace>(
+                                      logPath, VisibilityLevel::keepAll);
+                                }};
+
+const ReaderVariant csvReader{"events.csv", "expected.csv", "expected.csv.stdout",
+                              "expected.csv.result", [](const std::string& logPath) {
+                                return std::make_unique<KvtProfileLogReader>(
+                                    logPath, VisibilityLevel::keepAll);
+                              }};
+
+std::vector<std::string> goldenCases() {
+  std::vector<std::string> cases;
+  for (const fs::directory_entry& entry : fs::directory_iterator(goldenDir))
+    if (entry.is_directory())
+      cases.push_back(entry.path().filename().string());
+  std::sort(cases.begin(), cases.end());
+  return cases;
+}
+
+bool updatingGolden() {
+  const char* update = std::getenv("KVT_UPDATE_GOLDEN");
+  return update && std::string(update) == "1";
+}
+
+// Machine-specific paths in reports become placeholders, so the expected files hold none.
+std::string withPlaceholders(std::string text, const std::string& path,
+                             const std::string& placeholder) {
+  for (size_t at = text.find(path); !path.empty() && at != std::string::npos;
+       at = text.find(path, at + placeholder.size()))
+    text.replace(at, path.size(), placeholder);
+  return text;
+}
+
+struct ReaderOutputs {
+  std::string file; // empty when the reader wrote none
+  std::string stdoutText;
+  std::string result; // the results of parseLog and writeOutputs, then every report, one a line
+};
+
+ReaderOutputs runReader(const ReaderVariant& variant, const std::string& caseName) {
+  const TempDir outputDir;
+  const std::string logPath = (goldenLogDir / (caseName + ".log")).string();
+  const fs::path outputPath = outputDir.path() / variant.outputName;
+
+  CapturingLogger logger;
+  ReaderOutputs outputs;
+  {
+    StdoutCapture captured;
+    std::unique_ptr<KvtProfileLogReader> reader = variant.makeReader(logPath);
+    const bool parsed = reader->parseLog(false);
+    const bool written = reader->writeOutputs(outputPath.string());
+    outputs.stdoutText = captured.text();
+    outputs.result = std::string("parseLog: ") + (parsed ? "true" : "false") +
+                     "\nwriteOutputs: " + (written ? "true" : "false") + "\n";
+  }
+  for (const testing::Report& report : logger.reports()) {
+    std::string text = withPlaceholders(report.text, outputDir.path().string(), "<output-dir>");
+    text = withPlaceholders(text, goldenLogDir.string(), "<log-dir>");
+    outputs.result += "level " + std::to_string(report.level) + ": " + text + "\n";
+  }
+  outputs.file = readFile(outputPath);
+  return outputs;
+}
+
+void writeExpected(const fs::path& path, const std::string& text) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file << text;
+  ASSERT_TRUE(file.good()) << "cannot write " << path;
+}
+
+void compareOrUpdate(const fs::path& caseDir, const ReaderVariant& variant,
+                     const ReaderOutputs& outputs) {
+  const std::pair<const char*, const std::string&> expectations[] = {
+      {variant.fileExpected, outputs.file},
+      {variant.stdoutExpected, outputs.stdoutText},
+      {variant.resultExpected, outputs.result},
+  };
+  for (const auto& [name, actual] : expectations) {
+    SCOPED_TRACE(name);
+    const fs::path expectedPath = caseDir / name;
+    if (updatingGolden()) {
+      writeExpected(expectedPath, actual);
+      continue;
+    }
+    ASSERT_TRUE(fs::exists(expectedPath))
+        << expectedPath << " is missing; run with KVT_UPDATE_GOLDEN=1 and review the result";
+    EXPECT_EQ(actual, readFile(expectedPath));
+  }
+}
+
+class GoldenTest : public ::testing::TestWithParam<std::string> {
+protected:
+  void SetUp() override {
+    // The header's creation time is printed in local time.
+    setenv("TZ", "UTC", 1);
+    tzset();
+  }
+};
+
+TEST_P(GoldenTest, MatchesExpectedOutputs) {
+  const fs::path caseDir = goldenDir / GetParam();
+  {
+    SCOPED_TRACE("trace reader");
+    compareOrUpdate(caseDir, traceReader, runReader(traceReader, GetParam()));
+  }
+  // The base reader's outputs are checked where the case asks for them.
+  if (fs::exists(caseDir / csvReader.fileExpected)) {
+    SCOPED_TRACE("base reader");
+    compareOrUpdate(caseDir, csvReader, runReader(csvReader, GetParam()));
+  }
+}
+
+std::string caseTestName(const ::testing::TestParamInfo<std::string>& info) {
+  std::string name = info.param;
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); },
+      '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, GoldenTest, ::testing::ValuesIn(goldenCases()), caseTestName);
+
+} // namespace
+} // namespace kvt::profiling

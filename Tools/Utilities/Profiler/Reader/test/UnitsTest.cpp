@@ -1,0 +1,76 @@
+// Unit words and value texts of every code.
+#include "text/Units.h"
+#include "model/EventRecord.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+
+namespace kvt::profiling {
+namespace {
+
+TEST(Units, NamesAndSuffixes) {
+  struct Case {
+    const char* what;
+    uint32_t unit;
+    const char* name;
+    const char* suffix;
+  };
+  const Case cases[] = {
+      {"0 falls back to microseconds", 0, "US", " us"},
+      {"1 is microseconds", 1, "US", " us"},
+      {"bytes", 2, "BYTES", " bytes"},
+      {"cycles", 3, "CYCLES", " cycles"},
+      {"count", 4, "COUNT", " count"},
+      {"object", 5, "OBJECT", " object"},
+      {"6 falls back to microseconds", 6, "US", " us"},
+      {"largest code", 0xFFFFFFFF, "US", " us"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(unitName(c.unit), c.name);
+    EXPECT_EQ(unitSuffix(c.unit), c.suffix);
+  }
+}
+
+TEST(Units, FormatValue) {
+  struct Case {
+    const char* what;
+    uint32_t dataType;
+    uint64_t payload;
+    std::string text;
+  };
+  const Case cases[] = {
+      {"signed 8-bit sign-extends the low byte", dataTypeI8, 0xFF, "-1"},
+      {"signed 8-bit ignores the high bytes", dataTypeI8, 0x1234'0000'0000'007F, "127"},
+      {"signed 16-bit", dataTypeI16, 0x8000, "-32768"},
+      {"signed 32-bit", dataTypeI32, 0xFFFF'FFFF'FFFF'FFFE, "-2"},
+      {"signed 64-bit", dataTypeI64, uint64_t(-9'000'000'000), "-9000000000"},
+      {"unsigned 8-bit of the same byte", dataTypeU8, 0xFF, "255"},
+      {"unsigned 16-bit", dataTypeU16, 0x1'FFFF, "65535"},
+      {"unsigned 32-bit", dataTypeU32, 0x1'0000'0007, "7"},
+      {"unsigned 64-bit", dataTypeU64, 0xFFFF'FFFF'FFFF'FFFF, "18446744073709551615"},
+      {"32-bit float", dataTypeF32, std::bit_cast<uint32_t>(1.5f), "1.500000"},
+      {"32-bit float ignores the high bytes", dataTypeF32,
+       0xABCD'0000'0000'0000 | std::bit_cast<uint32_t>(-0.25f), "-0.250000"},
+      {"64-bit float", dataTypeF64, std::bit_cast<uint64_t>(2.0 / 3.0), "0.666667"},
+      {"boolean", dataTypeBool8, 1, "1"},
+      {"boolean of another byte", dataTypeBool8, 0x17, "23"},
+      {"byte vector", dataTypeBytes, 0, ""},
+      {"unknown code", 0x0364, 42, ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(formatValue(c.dataType, c.payload), c.text);
+  }
+}
+
+TEST(Units, HugeDoublePrintsWhole) {
+  const std::string text = formatValue(dataTypeF64, std::bit_cast<uint64_t>(1e300));
+  ASSERT_EQ(text.size(), 301u + 7u); // 301 integer digits, ".", six decimals
+  EXPECT_EQ(text.substr(0, 4), "1000");
+  EXPECT_EQ(text.substr(301), ".000000");
+}
+
+} // namespace
+} // namespace kvt::profiling
