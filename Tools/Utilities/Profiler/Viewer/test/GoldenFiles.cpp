@@ -1,19 +1,18 @@
 // Reading and rewriting the viewer's golden files.
 #include "GoldenFiles.h"
 
+#include "support/GoldenCases.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 
 namespace kvt::profiling::testing {
 
 void expectGolden(const std::string& name, const std::string& actual) {
   const std::filesystem::path file = std::filesystem::path(KVT_VIEWER_GOLDEN_DIR) / name;
-  const char* update = std::getenv("KVT_UPDATE_GOLDEN");
-  if (update && std::string(update) == "1") {
+  if (updatingGolden()) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << actual;
     return;
   }

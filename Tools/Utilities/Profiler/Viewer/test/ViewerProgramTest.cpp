@@ -5,12 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <vector>
 
 namespace kvt::profiling {
 namespace {
 
 using testing::expectGolden;
+using testing::fixtureLog;
 using testing::ProgramRun;
 using testing::runProgram;
 using testing::TempDir;
@@ -22,6 +24,10 @@ ProgramRun runViewer(const std::vector<std::string>& arguments) {
 }
 
 TEST(ViewerProgram, MatchesGoldenOutputs) {
+  // The header's creation time is printed in local time; the viewer inherits the zone.
+  setenv("TZ", "UTC", 1);
+  const std::string validLog = fixtureLog("header-and-compose");
+  const std::string incompatibleLog = KVT_READER_GOLDEN_LOG_DIR "/without-detailed-events.log";
   struct Case {
     const char* what;
     const char* golden; // golden/<golden>.stdout and .stderr
@@ -41,6 +47,19 @@ TEST(ViewerProgram, MatchesGoldenOutputs) {
       {"missing input file, reports silenced",
        "missing-input-quiet",
        {"--input", "missing.log", "--log-level", "0"},
+       1},
+      {"trace written, every report shown",
+       "trace-verbose",
+       {"--input", validLog, "--output", "trace.json", "--log-level", "5"},
+       0},
+      {"trace reader without --output", "trace-without-output", {"--input", validLog}, 1},
+      {"trace file in a missing folder",
+       "trace-unwritable",
+       {"--input", validLog, "--output", "missing/trace.json"},
+       1},
+      {"log without the linting profile",
+       "trace-incompatible",
+       {"--input", incompatibleLog, "--output", "trace.json"},
        1},
   };
   for (const Case& c : cases) {
