@@ -13,7 +13,8 @@ struct ProgramRun {
   std::string standardError;
 };
 
-// Runs program with arguments in workingDir, its standard input empty, and waits for it.
+// Runs program with arguments in workingDir and waits for it. Its standard input is empty and its
+// environment this process's with TZ=UTC, so that local times print the same on every machine.
 ProgramRun runProgram(const std::filesystem::path& program,
                       const std::vector<std::string>& arguments,
                       const std::filesystem::path& workingDir);

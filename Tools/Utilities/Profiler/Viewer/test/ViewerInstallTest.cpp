@@ -1,6 +1,7 @@
-// The installed viewer finds its readers from any working directory.
+// The installed viewer finds its readers from any working directory and does its whole job.
 #include "GoldenFiles.h"
 #include "ProgramRun.h"
+#include "support/GoldenCases.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +10,9 @@ namespace kvt::profiling {
 namespace {
 
 using testing::expectGolden;
+using testing::goldenCaseDir;
 using testing::ProgramRun;
+using testing::readFile;
 using testing::runProgram;
 using testing::TempDir;
 
@@ -30,6 +33,14 @@ TEST(ViewerInstall, RunsFromTheInstalledLayoutInAnyDirectory) {
     expectGolden("missing-input.stdout", run.standardOutput);
     expectGolden("missing-input.stderr", run.standardError);
   }
+
+  const std::string log = KVT_READER_GOLDEN_LOG_DIR "/detailed-execution.log";
+  const ProgramRun run =
+      runProgram(program, {"--input", log, "--output", "trace.json"}, elsewhere.path());
+  EXPECT_EQ(run.exitCode, 0) << run.standardError;
+  const std::filesystem::path expected = goldenCaseDir / "detailed-execution";
+  EXPECT_EQ(run.standardOutput, readFile(expected / "expected.trace.stdout"));
+  EXPECT_EQ(readFile(elsewhere.path() / "trace.json"), readFile(expected / "expected.trace.json"));
 }
 
 } // namespace

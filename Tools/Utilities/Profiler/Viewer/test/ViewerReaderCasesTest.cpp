@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 namespace kvt::profiling {
 namespace {
 
@@ -20,11 +18,7 @@ using testing::TempDir;
 
 const fs::path caseLogDir = KVT_READER_GOLDEN_LOG_DIR;
 
-class ViewerReaderCases : public ::testing::TestWithParam<std::string> {
-protected:
-  // The header's creation time is printed in local time; the viewer inherits the zone.
-  void SetUp() override { setenv("TZ", "UTC", 1); }
-};
+class ViewerReaderCases : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(ViewerReaderCases, PrintsAndWritesWhatTheTraceReaderDoes) {
   const fs::path expected = testing::goldenCaseDir / GetParam();
