@@ -1,14 +1,13 @@
 // Every fixture log cut at each length and flipped at a stride: the readers either refuse it or
 // produce their outputs; under the sanitizers this finds what a corrupt log could break.
 #include "plugin/KvtProfileLogReader.h"
+#include "support/StdoutCapture.h"
 #include "support/TestFiles.h"
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <iostream>
-#include <sstream>
 
 namespace kvt::profiling {
 namespace {
@@ -23,33 +22,32 @@ void parseAndWrite(KvtProfileLogReader& reader, const std::string& outputPath) {
 // Runs both readers over the bytes; what they print is discarded.
 void runReaders(const testing::TempDir& dir, const std::string& bytes) {
   const std::string logPath = dir.write("variant.log", bytes);
-  std::ostringstream discarded;
-  std::streambuf* standardOutput = std::cout.rdbuf(discarded.rdbuf());
+  const testing::StdoutCapture discarded;
   KvtProfileLogReaderChrometrace traceReader(logPath, VisibilityLevel::keepAll);
   parseAndWrite(traceReader, (dir.path() / "trace.json").string());
   KvtProfileLogReader csvReader(logPath, VisibilityLevel::keepAll);
   parseAndWrite(csvReader, (dir.path() / "events.csv").string());
-  std::cout.rdbuf(standardOutput);
 }
 
 TEST(CorruptionSweep, CutAndFlippedFixturesNeverBreakTheReaders) {
   size_t logs = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(KVT_FIXTURE_DIR)) {
-    if (entry.path().extension() != ".log")
-      continue;
-    SCOPED_TRACE(entry.path().filename().string());
-    ++logs;
-    const std::string log = testing::readFile(entry.path());
-    testing::TempDir dir;
-    for (size_t length = 0; length < log.size(); ++length)
-      runReaders(dir, log.substr(0, length));
-    for (size_t at = 0; at < log.size(); at += flipStride)
-      for (const char flip : {'\x00', '\xFF', '\x80'}) {
-        std::string variant = log;
-        variant[at] = variant[at] == flip ? char(~flip) : flip;
-        runReaders(dir, variant);
-      }
-  }
+  for (const char* logDir : {KVT_FIXTURE_DIR, KVT_GOLDEN_LOG_DIR})
+    for (const auto& entry : std::filesystem::directory_iterator(logDir)) {
+      if (entry.path().extension() != ".log")
+        continue;
+      SCOPED_TRACE(entry.path().filename().string());
+      ++logs;
+      const std::string log = testing::readFile(entry.path());
+      testing::TempDir dir;
+      for (size_t length = 0; length < log.size(); ++length)
+        runReaders(dir, log.substr(0, length));
+      for (size_t at = 0; at < log.size(); at += flipStride)
+        for (const char flip : {'\x00', '\xFF', '\x80'}) {
+          std::string variant = log;
+          variant[at] = variant[at] == flip ? char(~flip) : flip;
+          runReaders(dir, variant);
+        }
+    }
   EXPECT_GT(logs, 0u);
 }
 
