@@ -1,9 +1,59 @@
-// Not built yet.
+// The frame of the base reader's outputs: the summary is assembled first and printed only once
+// the CSV file is complete, so a failed open prints nothing at all.
 #include "CsvLog.h"
 
+#include "CsvRows.h"
+#include "Summary.h"
+#include "plugin/Logging.h"
+
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
 namespace kvt::profiling {
-bool writeCsvOutputs(const std::string&, const ReportContext&) {
-  return false;
+namespace {
+
+void writeFullSummary(std::ostream& out, const ReportContext& context) {
+  out << std::fixed << std::setprecision(0);
+  writeHeaderDetailsLine(out, context);
+  writeRunStatistics(out, context);
+  writeExecuteAverageStats(out, context);
+  writeExecuteOverallStats(out, context);
+  writeLibLoadStats(out, context);
 }
-void writeBackendCsvRows(std::ostream&, const EventList&, uint64_t, const std::string&) {}
+
+} // namespace
+
+bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context) {
+  std::ofstream csv;
+  if (!csvPath.empty()) {
+    csv.open(csvPath, std::ios::out | std::ios::trunc);
+    if (!csv.is_open()) {
+      logMessage(logError, "Invalid output csvfile: [%s]", csvPath.c_str());
+      return false;
+    }
+  }
+
+  std::ostringstream summary;
+  writeFullSummary(summary, context);
+  if (csv.is_open())
+    writeCsvLog(csv, context);
+  std::cout << summary.str() << std::flush;
+  return true;
+}
+
+void writeCsvLog(std::ostream& out, const ReportContext& context) {
+  out << std::fixed << std::setprecision(0);
+  writeVersionLines(out, context.header);
+  writeColumnHeader(out);
+  writeInitRows(out, context);
+  writeComposeGraphsRow(out, context);
+  writeFinalizeRows(out, context);
+  writeDeInitRows(out, context);
+  writeExecuteRows(out, context);
+  writeExecuteIpsRow(out, context);
+  writeDlopenLatencyRow(out, context);
+}
+
 } // namespace kvt::profiling

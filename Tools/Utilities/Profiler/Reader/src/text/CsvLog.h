@@ -3,15 +3,24 @@
 
 #include "ReportContext.h"
 
+#include <cstdint>
+#include <ostream>
 #include <string>
 
 namespace kvt::profiling {
 
-// Writes the CSV event log to csvPath (none when it is empty) and then prints the full summary.
-// False, printing nothing, when the file cannot be opened ("Invalid output csvfile: [%s]").
+// Writes the CSV event log to csvPath (none when it is empty), then prints the full summary on
+// the standard output in one piece. False, printing nothing, when the file cannot be opened
+// ("Invalid output csvfile: [%s]" at the error level).
 bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context);
 
-// The base back-end rows of one method occurrence: ROOT rows and SUB-EVENT rows, objects left out.
+// The whole CSV event log: version lines, column header, then the rows of INIT, COMPOSE GRAPHS,
+// FINALIZE, DE-INIT, EXECUTE, EXECUTE IPS and DLOPEN LATENCY. Sets out to fixed notation.
+void writeCsvLog(std::ostream& out, const ReportContext& context);
+
+// The base back-end rows of one method occurrence: a ROOT row per event and a SUB-EVENT row per
+// direct sub-event, each with the method's timestamp and name; OBJECT events get no row.
+// "31000,EXECUTE,2048,BYTES,BACKEND,SUB-EVENT,scratch memory"
 void writeBackendCsvRows(std::ostream& out, const EventList& events, uint64_t messageTimestamp,
                          const std::string& methodName);
 

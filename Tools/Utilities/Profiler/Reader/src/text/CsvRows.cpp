@@ -1,0 +1,122 @@
+// The rows of the CSV event log. Fields are joined by "," without quoting: a comma inside a
+// name or an identifier is written as it is.
+#include "CsvRows.h"
+
+#include "CsvLog.h"
+#include "HeaderDetails.h"
+#include "OverallFigures.h"
+#include "Units.h"
+
+#include <iomanip>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kvt::profiling {
+namespace {
+
+// The columns after the time of a row that the host tool timed itself.
+void endNetRunRow(std::ostream& out, std::string_view unit, std::string_view identifier) {
+  out << ',' << unit << ",NETRUN,ROOT," << identifier << std::endl;
+}
+
+void writeDurationRow(std::ostream& out, uint64_t timestamp, std::string_view method,
+                      uint64_t durationUs, std::string_view identifier) {
+  out << timestamp << ',' << method << ',' << durationUs;
+  endNetRunRow(out, "US", identifier);
+}
+
+std::string graphIdentifier(size_t graphNumber, const std::string& graphName) {
+  return "Graph " + std::to_string(graphNumber) + ": " + graphName;
+}
+
+void writeBackendRow(std::ostream& out, uint64_t messageTimestamp, const std::string& methodName,
+                     const EventRecord& event, std::string_view eventLevel) {
+  out << messageTimestamp << ',' << methodName << ','
+      << formatValue(event.value.dataType, event.value.payload) << ',' << unitName(event.unit)
+      << ",BACKEND," << eventLevel << ',' << event.identifier << std::endl;
+}
+
+} // namespace
+
+void writeVersionLines(std::ostream& out, const LogHeaderDetails& header) {
+  out << "kvt-profile-viewer version, " << readerVersion << std::endl;
+  out << "kvt-net-run version, " << header.netRunVersion << std::endl;
+  out << "Backend version, " << header.backendVersion << std::endl;
+}
+
+void writeColumnHeader(std::ostream& out) {
+  out << "Msg Timestamp, Message, Time, Unit of Measurement, Timing Source, Event Level, "
+         "Event Identifier"
+      << std::endl;
+}
+
+void writeInitRows(std::ostream& out, const ReportContext& context) {
+  const EventModel& model = context.model;
+  writeDurationRow(out, model.initTiming.timestamp, "INIT", model.initTiming.duration, "null");
+  // The init slot's presence enables the rows, but they list initEvents all the same.
+  if (model.hasInitEvents || model.initSlot.present)
+    context.writeBackendCsvRows(out, model.initEvents, model.initTiming.timestamp, "INIT");
+}
+
+void writeComposeGraphsRow(std::ostream& out, const ReportContext& context) {
+  const TimingPair& compose = context.model.composeGraphsTiming;
+  writeDurationRow(out, compose.timestamp, "COMPOSE GRAPHS", compose.duration, "null");
+}
+
+void writeFinalizeRows(std::ostream& out, const ReportContext& context) {
+  size_t graphNumber = 0;
+  for (const auto& [graphName, entry] : context.model.finalizeByGraph) {
+    writeDurationRow(out, entry.timestamp, "FINALIZE", entry.duration,
+                     graphIdentifier(graphNumber++, graphName));
+    if (context.model.hasFinalizeEvents)
+      context.writeBackendCsvRows(out, entry.events, entry.timestamp, "FINALIZE");
+  }
+}
+
+void writeDeInitRows(std::ostream& out, const ReportContext& context) {
+  const RunLevelSlot& deinit = context.model.deinitSlot;
+  writeDurationRow(out, deinit.timestamp, "DE-INIT", deinit.duration, "null");
+  context.writeBackendCsvRows(out, deinit.events, deinit.timestamp, "DE-INIT");
+}
+
+void writeExecuteRows(std::ostream& out, const ReportContext& context) {
+  size_t graphNumber = 0;
+  for (const auto& [graphName, executions] : context.model.executionsByGraph) {
+    const std::string identifier = graphIdentifier(graphNumber++, graphName);
+    for (const ExecutionEntry& execution : executions) {
+      writeDurationRow(out, execution.timestamp, "EXECUTE", execution.duration, identifier);
+      context.writeBackendCsvRows(out, execution.events, execution.timestamp, "EXECUTE");
+    }
+  }
+}
+
+void writeExecuteIpsRow(std::ostream& out, const ReportContext& context) {
+  const RunLevelSlot& overall = context.model.executeOverallSlot;
+  const std::optional<float> rate = inferencesPerSecond(overall);
+  if (!rate)
+    return;
+  out << std::fixed << std::setprecision(6);
+  out << overall.timestamp << ",EXECUTE IPS," << *rate;
+  endNetRunRow(out, "INF/SEC", "null");
+}
+
+void writeDlopenLatencyRow(std::ostream& out, const ReportContext& context) {
+  const RunLevelSlot& libLoad = context.model.libLoadSlot;
+  if (const std::optional<uint64_t> latencyUs = backendLatencyUs(libLoad))
+    writeDurationRow(out, libLoad.timestamp, "DLOPEN LATENCY", *latencyUs, "null");
+}
+
+void writeBackendCsvRows(std::ostream& out, const EventList& events, uint64_t messageTimestamp,
+                         const std::string& methodName) {
+  // Objects are left out at both levels, yet the sub-events of an object still get rows.
+  for (const EventRecord& event : events) {
+    if (event.unit != unitObject)
+      writeBackendRow(out, messageTimestamp, methodName, event, "ROOT");
+    for (const EventRecord& subEvent : event.children)
+      if (subEvent.unit != unitObject)
+        writeBackendRow(out, messageTimestamp, methodName, subEvent, "SUB-EVENT");
+  }
+}
+
+} // namespace kvt::profiling
