@@ -49,6 +49,10 @@ TEST(ViewerProgram, MatchesGoldenOutputs) {
        "trace-verbose",
        {"--input", validLog, "--output", "trace.json", "--log-level", "5"},
        0},
+      {"messages of level 0 hidden",
+       "trace-visibility-0",
+       {"--input", validLog, "--output", "trace.json", "--visibility", "0"},
+       0},
       {"trace reader without --output", "trace-without-output", {"--input", validLog}, 1},
       {"trace file in a missing folder",
        "trace-unwritable",
@@ -65,6 +69,20 @@ TEST(ViewerProgram, MatchesGoldenOutputs) {
     EXPECT_EQ(run.exitCode, c.exitCode);
     expectGolden(std::string(c.golden) + ".stdout", run.standardOutput);
     expectGolden(std::string(c.golden) + ".stderr", run.standardError);
+  }
+}
+
+TEST(ViewerProgram, PassesTheExtendedBackendReportFlag) {
+  // With the flag the base reader dumps the log's object events to files, teardown.bin among them.
+  const std::string log = KVT_READER_GOLDEN_LOG_DIR "/csv-every-method.log";
+  for (const bool extended : {false, true}) {
+    SCOPED_TRACE(extended ? "extended" : "plain");
+    const TempDir workingDir;
+    std::vector<std::string> arguments{"--input", log, "--reader", "csv"};
+    if (extended)
+      arguments.push_back("--extended-backend-report");
+    EXPECT_EQ(runProgram(KVT_VIEWER_PROGRAM, arguments, workingDir.path()).exitCode, 0);
+    EXPECT_EQ(std::filesystem::exists(workingDir.path() / "teardown.bin"), extended);
   }
 }
 
