@@ -27,5 +27,5 @@ if "$tool" synth --help >/dev/null 2>&1; then
   "$tool" synth -o "$corpus/synth-basic.log" --graphs 1 --executions 2 --steps 2 --detail basic \
     --queue-wait --messages-per-chunk 2
 fi
-"$build_dir/bin/kvt-log-fuzzer" "$corpus" -dict="$fuzz_dir/log.dict" \
+"$build_dir/bin/kvt-log-fuzzer" "$corpus" -dict="$fuzz_dir/log.dict" -artifact_prefix="$build_dir/" \
   -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=10 -print_final_stats=1 "$@"
