@@ -5,14 +5,13 @@
 // review their diff before committing them.
 #include "plugin/KvtProfileLogReader.h"
 #include "support/CapturingLogger.h"
+#include "support/GoldenCases.h"
 #include "support/StdoutCapture.h"
 #include "support/TestFiles.h"
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
@@ -29,7 +28,6 @@ using testing::readFile;
 using testing::StdoutCapture;
 using testing::TempDir;
 
-const fs::path goldenDir = KVT_TEST_DATA_DIR "/golden";
 const fs::path goldenLogDir = KVT_GOLDEN_LOG_DIR;
 
 using ReaderFactory = std::function<std::unique_ptr<KvtProfileLogReader>(const std::string&)>;
@@ -54,20 +52,6 @@ const ReaderVariant csvReader{"events.csv", "expected.csv", "expected.csv.stdout
                                 return std::make_unique<KvtProfileLogReader>(
                                     logPath, VisibilityLevel::keepAll);
                               }};
-
-std::vector<std::string> goldenCases() {
-  std::vector<std::string> cases;
-  for (const fs::directory_entry& entry : fs::directory_iterator(goldenDir))
-    if (entry.is_directory())
-      cases.push_back(entry.path().filename().string());
-  std::sort(cases.begin(), cases.end());
-  return cases;
-}
-
-bool updatingGolden() {
-  const char* update = std::getenv("KVT_UPDATE_GOLDEN");
-  return update && std::string(update) == "1";
-}
 
 // Machine-specific paths in reports become placeholders, so the expected files hold none.
 std::string withPlaceholders(std::string text, const std::string& path,
@@ -125,7 +109,7 @@ void compareOrUpdate(const fs::path& caseDir, const ReaderVariant& variant,
   for (const auto& [name, actual] : expectations) {
     SCOPED_TRACE(name);
     const fs::path expectedPath = caseDir / name;
-    if (updatingGolden()) {
+    if (testing::updatingGolden()) {
       writeExpected(expectedPath, actual);
       continue;
     }
@@ -145,7 +129,7 @@ protected:
 };
 
 TEST_P(GoldenTest, MatchesExpectedOutputs) {
-  const fs::path caseDir = goldenDir / GetParam();
+  const fs::path caseDir = testing::goldenCaseDir / GetParam();
   {
     SCOPED_TRACE("trace reader");
     compareOrUpdate(caseDir, traceReader, runReader(traceReader, GetParam()));
@@ -157,15 +141,8 @@ TEST_P(GoldenTest, MatchesExpectedOutputs) {
   }
 }
 
-std::string caseTestName(const ::testing::TestParamInfo<std::string>& info) {
-  std::string name = info.param;
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); },
-      '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, GoldenTest, ::testing::ValuesIn(goldenCases()), caseTestName);
+INSTANTIATE_TEST_SUITE_P(Cases, GoldenTest, ::testing::ValuesIn(testing::goldenCaseNames()),
+                         testing::goldenCaseTestName);
 
 } // namespace
 } // namespace kvt::profiling
