@@ -1,5 +1,5 @@
-// Logs survive a dump and a build byte for byte: synthesised logs of every shape, the reader's
-// fixture and golden logs, and chunk files whatever the order in which they name their fields.
+// Logs survive a dump and a build byte for byte: synthesised logs of several shapes, the reader's
+// fixture and golden logs, fields written with their defaults, and strings that are no text.
 #include "TextSearch.h"
 #include "ToolRun.h"
 #include "log/LogWriter.h"
@@ -44,17 +44,10 @@ TEST(LogRoundTrip, SynthesisedLogsComeBackIdentical) {
       {"linting detail, several chunks",
        {"--graphs", "2", "--executions", "3", "--steps", "4", "--messages-per-chunk", "4"},
        4},
-      {"basic detail, several chunks",
-       {"--graphs", "3", "--executions", "2", "--steps", "5", "--detail", "basic",
-        "--messages-per-chunk", "5"},
-       3},
       {"queue wait", {"--graphs", "2", "--executions", "2", "--steps", "3", "--queue-wait"}, 1},
       {"one message per chunk",
        {"--graphs", "1", "--executions", "2", "--steps", "2", "--messages-per-chunk", "1"},
        9},
-      {"no graphs", {"--graphs", "0"}, 1},
-      {"no steps", {"--steps", "0"}, 2},
-      {"another seed", {"--seed", "18446744073709551615", "--executions", "1"}, 1},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -84,29 +77,6 @@ TEST(LogRoundTrip, ReaderTestLogsComeBackIdentical) {
     const TempDir dir;
     EXPECT_TRUE(buildOf(dir, dumpOf(log.string())) == readFile(log));
   }
-}
-
-TEST(LogRoundTrip, FieldOrderAndKeyQuotingDoNotChangeTheLog) {
-  const TempDir dir;
-  const std::string schemaOrder = dir.write("schema-order.json", R"({
-    // Fields as the schema lists them, keys quoted.
-    "header": { "time_scale": 2.5, "steady_clock_timestamp": 5, "net_run_version": "v1" },
-    "messages": [ { "stamp": { "timestamp": 7 }, "method_type": 1,
-                    "timing": { "start": 1, "end": 2 }, "visibility": 0,
-                    "events": [ { "identifier": "a", "value_u64": 3, "unit": 1 } ],
-                    "graph_name": "g" } ]
-  })");
-  const std::string shuffled = dir.write("shuffled.json", R"({
-    messages: [ { graph_name: "g", events: [ { unit: 1, value_u64: 3, identifier: "a" } ],
-                  visibility: 0, timing: { end: 2, start: 1 }, method_type: 1,
-                  stamp: { timestamp: 7 } } ],
-    header: { net_run_version: "v1", steady_clock_timestamp: 5, time_scale: 2.5 }
-  })");
-  const std::string first = (dir.path() / "first.log").string();
-  const std::string second = (dir.path() / "second.log").string();
-  ASSERT_EQ(runTool({"build", "--chunks", schemaOrder, "-o", first}).exitCode, 0);
-  ASSERT_EQ(runTool({"build", "--chunks", shuffled, "-o", second}).exitCode, 0);
-  EXPECT_TRUE(readFile(first) == readFile(second));
 }
 
 TEST(LogRoundTrip, FieldsNamedWithTheirDefaultsAreKept) {

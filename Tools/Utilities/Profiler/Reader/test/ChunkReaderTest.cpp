@@ -60,7 +60,6 @@ TEST(ChunkReader, ReadsFramedChunks) {
   };
   const Case cases[] = {
       {"empty file", {}, true, {}, false},
-      {"one byte", {7}, true, {}, false},
       {"three bytes", {7, 0, 0}, true, {}, false},
       {"two chunks", log, true, {1, 2}, false},
       {"two chunks and three trailing bytes", withTail({1, 2, 3}), true, {1, 2}, false},
@@ -118,17 +117,6 @@ TEST(ChunkReader, RefusesWhatIsNoReadableFile) {
     EXPECT_EQ(logger.texts(logError),
               std::vector<std::string>{"Invalid or nonexistent file: " + c.path});
   }
-}
-
-TEST(ChunkReader, ReadsACompiledFixture) {
-  FlatBufferReaderUtil streamReader;
-  std::vector<uint64_t> stamps;
-  ASSERT_TRUE(readLogChunks(testing::fixtureLog("header-and-compose"), streamReader, [&] {
-    while (const schema::Message* message = streamReader.nextMessage())
-      stamps.push_back(message->stamp()->timestamp());
-  }));
-  EXPECT_EQ(stamps, std::vector<uint64_t>{7000});
-  ASSERT_NE(streamReader.header(), nullptr);
 }
 
 } // namespace

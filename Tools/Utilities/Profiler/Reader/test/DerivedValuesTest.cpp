@@ -1,4 +1,4 @@
-// The values a parse derives after the last message: averages, queue waits and init timing.
+// The values a parse derives after the last message: queue waits and init timing.
 #include "support/ModelText.h"
 #include "support/ParsedLog.h"
 
@@ -72,11 +72,6 @@ TEST(DerivedValues, ExtractsOneQueueWaitPerExecution) {
     bool warned;
   };
   const Case cases[] = {
-      {"one top-level wait per execution",
-       {execution(3, "g", {queueWait(5)}), execution(3, "g", {holding({}), queueWait(6)}),
-        execution(3, "h", {queueWait(7)})},
-       "g: 5 6; h: 7",
-       false},
       {"a wait among the children of a top-level event counts",
        {execution(3, "g", {holding({queueWait(8)})})},
        "g: 8",
@@ -93,10 +88,6 @@ TEST(DerivedValues, ExtractsOneQueueWaitPerExecution) {
        {execution(3, "g", {queueWait(1)}), execution(3, "h", {}), execution(3, "g", {})},
        "",
        true},
-      {"without queue-wait messages nothing is extracted",
-       {execution(1, "g", {queueWait(1)})},
-       "",
-       false},
       {"plain and combined executions count once the mode is set",
        {execution(3, "g", {queueWait(1)}), execution(1, "g", {queueWait(2)}),
         execution(9, "g", {queueWait(3)})},
@@ -161,31 +152,6 @@ TEST(DerivedValues, DerivesTheInitTiming) {
     EXPECT_EQ(initTiming.timestamp, c.timestamp);
     EXPECT_EQ(initTiming.duration, c.duration);
   }
-}
-
-TEST(DerivedValues, AveragesEveryGraphInOrderOfAppearance) {
-  const EventSpec a = valued("a", 3);
-  const EventSpec b = valued("b", 5);
-  std::vector<MessageSpec> messages = {timed(1, 1, {0, 10}, {a}), timed(1, 2, {0, 20}, {a, b}),
-                                       timed(1, 3, {0, 40}, {})};
-  messages.insert(messages.begin() + 1, timed(9, 4, {0, 7}, {b}));
-  messages[1].graphName = "h";
-  const testing::ParsedLog log = parseMessages(messages);
-  ASSERT_TRUE(log.parsed);
-  const auto& averages = log.reader->eventModel().averageExecutionByGraph;
-  ASSERT_EQ(averages.size(), 2u);
-  EXPECT_EQ(averages.begin()->first, "g");
-  const ExecutionEntry& g = *averages.find("g");
-  EXPECT_EQ(g.duration, 23u);
-  EXPECT_EQ(g.timestamp, 3u);
-  EXPECT_EQ(testing::eventsText(g.events), "[a b]");
-  EXPECT_EQ(g.events[0].value.payload, 3u);
-  EXPECT_EQ(g.events[0].count, 2u);
-  const ExecutionEntry& h = *averages.find("h");
-  EXPECT_EQ(h.duration, 7u);
-  EXPECT_EQ(h.timestamp, 4u);
-  EXPECT_EQ(h.events.at(0).value.dataType, dataTypeU64);
-  EXPECT_EQ(log.reader->eventModel().executionsByGraph.find("g")->size(), 3u); // kept as logged
 }
 
 } // namespace

@@ -39,24 +39,6 @@ TEST_F(HeaderDetailsTest, Formats) {
     const char* text;
   };
   const Case cases[] = {
-      {"complete header", [](LogHeaderDetails&) {},
-       "Log File Created: Thu Nov  2 09:30:15 2023\n"
-       "Time Scale: 1000\n"
-       "Epoch Timestamp: 1698917415000000 Steady Clock Timestamp: 5123456789\n"
-       "Generated using: \n"
-       "kvt-profile-viewer v3.17.4.231102093015_41736\n"
-       "kvt-net-run        v1.0.0\n"
-       "Backend            v2.1.0\n"},
-      {"no versions",
-       [](LogHeaderDetails& header) {
-         header.netRunVersion.clear();
-         header.backendVersion.clear();
-       },
-       "Log File Created: Thu Nov  2 09:30:15 2023\n"
-       "Time Scale: 1000\n"
-       "Epoch Timestamp: 1698917415000000 Steady Clock Timestamp: 5123456789\n"
-       "Generated using: \n"
-       "kvt-profile-viewer v3.17.4.231102093015_41736\n"},
       {"fractional time scale and zero clocks",
        [](LogHeaderDetails& header) {
          header.timeScale = 0.5f;

@@ -1,4 +1,4 @@
-// The chunk verifier's acceptance and rejection rules and its message cursor.
+// The chunk verifier's acceptance and rejection rules.
 #include "log/FlatBufferReaderUtil.h"
 #include "log/LogWriter.h"
 #include "plugin/Logging.h"
@@ -142,46 +142,6 @@ TEST(FlatBufferReaderUtil, AcceptsAndRejectsBuffers) {
     EXPECT_EQ(reader.loadBuffer(buffer), c.accepted);
     EXPECT_EQ(logger.contains(logError, "Corrupted flatbuffer binary stream"), !c.accepted);
   }
-}
-
-TEST(FlatBufferReaderUtil, HandsOutMessagesInOrderThenNull) {
-  CapturingLogger logger;
-  FlatBufferReaderUtil reader;
-  const std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7, 1), message(6, 2)}));
-  ASSERT_TRUE(reader.loadBuffer(buffer));
-  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 1u);
-  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 2u);
-  EXPECT_EQ(reader.nextMessage(), nullptr);
-  EXPECT_EQ(reader.nextMessage(), nullptr);
-  EXPECT_EQ(logger.texts(logVerbose),
-            (std::vector<std::string>{"profiling::FlatBufferReaderUtil no more messages! "
-                                      "(Message Counter: 2)",
-                                      "profiling::FlatBufferReaderUtil no more messages! "
-                                      "(Message Counter: 2)"}));
-}
-
-TEST(FlatBufferReaderUtil, KeepsTheFirstHeaderAndResetsTheCounter) {
-  ChunkSpec withoutHeader = chunkOf({message(7, 1)});
-  ChunkSpec first = chunkOf({message(7, 2), message(7, 3)});
-  first.header = HeaderSpec();
-  first.header->netRunVersion = "first";
-  ChunkSpec second = chunkOf({message(6, 4)});
-  second.header = HeaderSpec();
-  second.header->netRunVersion = "second";
-  const auto buffer0 = bufferOf(withoutHeader), buffer1 = bufferOf(first),
-             buffer2 = bufferOf(second);
-
-  FlatBufferReaderUtil reader;
-  ASSERT_TRUE(reader.loadBuffer(buffer0));
-  EXPECT_EQ(reader.header(), nullptr);
-  ASSERT_TRUE(reader.loadBuffer(buffer1));
-  ASSERT_NE(reader.header(), nullptr);
-  EXPECT_EQ(reader.header()->net_run_version()->str(), "first");
-  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 2u);
-  ASSERT_TRUE(reader.loadBuffer(buffer2));
-  EXPECT_EQ(reader.header()->net_run_version()->str(), "first");
-  EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 4u);
-  EXPECT_EQ(reader.nextMessage(), nullptr);
 }
 
 TEST(FlatBufferReaderUtil, ARejectedBufferKeepsThePreviousOne) {

@@ -1,4 +1,5 @@
-// A whole parse through the reader: chunks, header, reports, failures and what stays behind.
+// A whole parse through the reader where the golden cases cannot go: short and corrupt files, an
+// unknown method type, a very large chunk.
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
 #include "support/ModelText.h"
@@ -27,89 +28,12 @@ MessageSpec execute(uint64_t timestamp) {
   return spec;
 }
 
-ChunkSpec chunkOf(std::vector<MessageSpec> messages, std::optional<std::string> version = {}) {
+ChunkSpec chunkOf(std::vector<MessageSpec> messages, bool withHeader = false) {
   ChunkSpec chunk;
   chunk.messages = std::move(messages);
-  if (version) {
+  if (withHeader)
     chunk.header = HeaderSpec();
-    chunk.header->timeScale = 2.5f;
-    chunk.header->epochTimestampUs = 11;
-    chunk.header->steadyClockTimestamp = 12;
-    chunk.header->netRunVersion = version;
-    chunk.header->backendVersion = "backend " + *version;
-  }
   return chunk;
-}
-
-TEST(ParseLog, ReadsTheHeaderAndMessagesOfAFixture) {
-  const ParsedLog log = testing::parseLogFile(testing::fixtureLog("header-and-compose"));
-  ASSERT_TRUE(log.parsed);
-  const LogHeaderDetails& header = log.reader->headerDetails();
-  EXPECT_TRUE(header.headerSaved);
-  EXPECT_EQ(header.timeScale, 1000.0f);
-  EXPECT_EQ(header.epochTimestampUs, 1698917415000000u);
-  EXPECT_EQ(header.steadyClockTimestamp, 5123456789u);
-  EXPECT_EQ(header.netRunVersion, "v1.0.0");
-  EXPECT_EQ(header.backendVersion, "v2.1.0");
-  EXPECT_EQ(modelText(log.reader->eventModel()), "composeGraphsTiming 7000/812");
-  EXPECT_EQ(log.printed, "");
-}
-
-TEST(ParseLog, KeepsTheFirstHeaderFromWhicheverChunkHasOne) {
-  struct Case {
-    const char* what;
-    std::vector<ChunkSpec> chunks;
-    const char* version;
-  };
-  const Case cases[] = {
-      {"header in a later chunk",
-       {chunkOf({execute(1)}), chunkOf({execute(2)}, "second")},
-       "second"},
-      {"two headers", {chunkOf({execute(1)}, "first"), chunkOf({execute(2)}, "second")}, "first"},
-      {"header in a chunk without messages",
-       {chunkOf({}, "first"), chunkOf({execute(1), execute(2)})},
-       "first"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    const ParsedLog log = parseChunks(c.chunks);
-    ASSERT_TRUE(log.parsed);
-    const LogHeaderDetails& header = log.reader->headerDetails();
-    EXPECT_TRUE(header.headerSaved);
-    EXPECT_EQ(header.netRunVersion, c.version);
-    EXPECT_EQ(header.backendVersion, std::string("backend ") + c.version);
-    EXPECT_EQ(header.timeScale, 2.5f);
-    EXPECT_EQ(header.epochTimestampUs, 11u);
-    EXPECT_EQ(header.steadyClockTimestamp, 12u);
-    EXPECT_EQ(log.reader->eventModel().executionsByGraph.find("g")->size(), 2u);
-  }
-}
-
-TEST(ParseLog, AHeaderWithoutStringsLeavesThemEmpty) {
-  ChunkSpec chunk = chunkOf({});
-  chunk.header = HeaderSpec{};
-  const ParsedLog log = parseChunks(std::vector{chunk});
-  ASSERT_TRUE(log.parsed);
-  const LogHeaderDetails& header = log.reader->headerDetails();
-  EXPECT_TRUE(header.headerSaved);
-  EXPECT_EQ(header.netRunVersion, "");
-  EXPECT_EQ(header.timeScale, 0.0f);
-}
-
-TEST(ParseLog, ReportsTheEndOfEachChunk) {
-  CapturingLogger logger;
-  const ParsedLog log =
-      parseChunks(std::vector{chunkOf({execute(1), execute(2)}), chunkOf({execute(3)}, "v")});
-  ASSERT_TRUE(log.parsed);
-  EXPECT_EQ(logger.texts(logVerbose),
-            (std::vector<std::string>{
-                "hdr is nullptr",
-                "profiling::FlatBufferReaderUtil no more messages! (Message Counter: 2)",
-                "profiling::KvtProfileLogReader reached EOF!",
-                "profiling::FlatBufferReaderUtil no more messages! (Message Counter: 1)",
-                "profiling::KvtProfileLogReader reached EOF!",
-            }));
-  EXPECT_TRUE(logger.texts(logError).empty());
 }
 
 TEST(ParseLog, GoesOnAfterAnUnknownMethodType) {
@@ -123,21 +47,11 @@ TEST(ParseLog, GoesOnAfterAnUnknownMethodType) {
 }
 
 TEST(ParseLog, TreatsFilesShorterThanASizePrefixAsEmpty) {
-  struct Case {
-    const char* what;
-    std::vector<uint8_t> bytes;
-  };
-  const Case cases[] = {
-      {"empty", {}},
-      {"one byte", {1}},
-      {"two bytes", {1, 2}},
-      {"three bytes", {0xFF, 0xFF, 0xFF}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
+  for (const std::vector<uint8_t>& bytes : {std::vector<uint8_t>{}, {0xFF, 0xFF, 0xFF}}) {
+    SCOPED_TRACE(bytes.size());
     CapturingLogger logger;
     const testing::TempDir dir;
-    const ParsedLog log = testing::parseLogFile(dir.write("short.log", c.bytes));
+    const ParsedLog log = testing::parseLogFile(dir.write("short.log", bytes));
     EXPECT_TRUE(log.parsed);
     EXPECT_FALSE(log.reader->headerDetails().headerSaved);
     EXPECT_EQ(modelText(log.reader->eventModel()), "");
@@ -146,21 +60,10 @@ TEST(ParseLog, TreatsFilesShorterThanASizePrefixAsEmpty) {
   }
 }
 
-TEST(ParseLog, FailsOnAMissingFileWithoutTouchingTheModel) {
-  CapturingLogger logger;
-  const testing::TempDir dir;
-  const std::string path = (dir.path() / "missing.log").string();
-  const ParsedLog log = testing::parseLogFile(path);
-  EXPECT_FALSE(log.parsed);
-  EXPECT_EQ(logger.texts(logError),
-            std::vector<std::string>{"Invalid or nonexistent file: " + path});
-  EXPECT_EQ(modelText(log.reader->eventModel()), "");
-}
-
 // A corrupt chunk stops the parse: what came before stays, nothing is derived or printed.
 TEST(ParseLog, KeepsTheChunksBeforeACorruptOne) {
   CapturingLogger logger;
-  const std::vector<ChunkSpec> good = {chunkOf({execute(1)}, "v"), chunkOf({execute(2)})};
+  const std::vector<ChunkSpec> good = {chunkOf({execute(1)}, true), chunkOf({execute(2)})};
   std::vector<uint8_t> bytes = buildLog(good);
   const std::vector<uint8_t> corrupt = frameChunk(std::vector<uint8_t>(16, 0xAB));
   bytes.insert(bytes.begin() + ptrdiff_t(buildChunk(good[0]).size()), corrupt.begin(),

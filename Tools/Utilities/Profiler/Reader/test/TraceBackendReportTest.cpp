@@ -20,12 +20,7 @@ TEST(ResourceText, Masks) {
     const char* text;
   };
   const Case cases[] = {
-      {"none", 0, ""},
-      {"PXA alone", 1, "PXA"},
-      {"PXB alone", 2, "PXB"},
-      {"DMA alone", 4, "DMA"},
       {"PXA and DMA", 5, "PXA, DMA"},
-      {"PXB and DMA", 6, "PXB, DMA"},
       {"all three", 7, "PXA, PXB, DMA"},
       {"higher bits ignored", 0xF9, "PXA"},
   };
@@ -48,16 +43,6 @@ TEST(TraceBackendReport, Lines) {
     std::string text;
   };
   const Case cases[] = {
-      {"step with wait, wait background, item and resources",
-       {eventRecord("Execute", 5300, 1, 0,
-                    {eventRecord("Wait", 120, 1, 5001),
-                     eventRecord("Idle", 30, 1, 5003, {eventRecord("Copy", 0, 1, 5006)}),
-                     eventRecord("Resources", 5, 1, 5004)})},
-       "    Backend (Execute): 5300  us\n"
-       "        Wait: 120  us\n"
-       "        Idle: 30  us\n"
-       "            Copy\n"
-       "        Resources: PXA, DMA\n"},
       {"top-level background items print their name only",
        {eventRecord("Load", 3, 1, 5005), eventRecord("Store", 4, 1, 5006)},
        "    Backend (Load)\n    Backend (Store)\n"},

@@ -63,31 +63,7 @@ std::vector<std::string> describe(const std::vector<TraceEvent>& events) {
   return lines;
 }
 
-TEST(JoinNames, Joins) {
-  struct Case {
-    const char* what;
-    std::vector<std::string> names;
-    const char* joined;
-  };
-  const Case cases[] = {
-      {"none", {}, ""},
-      {"one", {"Load"}, "Load"},
-      {"two", {"Load", "Store"}, "Load, Store"},
-      {"empty names keep their separators", {"", "", "x"}, ", , x"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    EXPECT_EQ(joinNames(c.names), c.joined);
-  }
-}
-
-TEST(TraceEvents, Spans) {
-  StepSpec full{"Conv_1", 2500, 120, 30, {"Copy"}, 800, {"A", "B"}, 5};
-
-  GraphMap<ExecutionEntry> twoGraphs = graphOf({step({.name = "first", .value = 10})});
-  twoGraphs.getOrCreate("h").events = {
-      eventRecord("execute", 0, 1, 0, {step({.name = "second", .value = 4})})};
-
+TEST(TraceEvents, CursorAndSubEventRules) {
   GraphMap<ExecutionEntry> repeatedKinds = graphOf({});
   EventRecord repeated = step({"s", 10, 0, 0, {}, 3, {"A"}, 1});
   repeated.children.push_back(eventRecord("exec bg", 6, 1, 5002, itemsOf({"B"}, 5005)));
@@ -105,24 +81,12 @@ TEST(TraceEvents, Spans) {
     std::vector<std::string> spans;
   };
   const Case cases[] = {
-      {"no graphs", {}, {}},
-      {"top-level record without steps", graphOf({}), {}},
-      {"wait and execution",
-       graphOf({step(full)}),
-       {"F [Wait] 0+120 grey", "B [Copy] 0+30", "F [Conv_1] 120+2500 {PXA, DMA}",
-        "B [A, B] 120+800"}},
       {"the cursor advances by foreground spans only",
        graphOf({step({.name = "one", .value = 10, .wait = 5, .waitBackground = 50}),
                 step({.name = "two", .value = 7, .executionBackground = 70})}),
        {"F [Wait] 0+5 grey", "B [] 0+50", "F [one] 5+10", "B [] 5+0", "F [two] 15+7",
         "B [] 15+70"}},
       {"zero wait and zero value write nothing", graphOf({step({.name = "idle"})}), {}},
-      {"a zero value still writes its wait",
-       graphOf({step({.name = "waiting", .wait = 8, .waitBackground = 2, .waitItems = {"Fetch"}})}),
-       {"F [Wait] 0+8 grey", "B [Fetch] 0+2"}},
-      {"the cursor runs on across graphs",
-       twoGraphs,
-       {"F [first] 0+10", "B [] 0+0", "F [second] 10+4", "B [] 10+0"}},
       {"last value of a kind counts, names of every record are kept",
        repeatedKinds,
        {"F [s] 0+10 {PXB}", "B [A, B] 0+6"}},
@@ -153,10 +117,6 @@ TEST(TraceEvents, StepMissingASubEventKindIsIncompatible) {
     EXPECT_EQ(logger.texts(logError), std::vector<std::string>{incompatible});
     EXPECT_FALSE(writeTraceJson(graphOf({broken})).has_value());
   }
-}
-
-TEST(TraceDocument, EmptyTrace) {
-  EXPECT_EQ(writeTraceJson({}), "{\n    \"traceEvents\": []\n}");
 }
 
 TEST(TraceDocument, LargeNumbersAndEscapedNames) {

@@ -3,9 +3,8 @@
 
 #include "log/LogWriter.h"
 #include "plugin/KvtProfileLogReader.h"
+#include "support/StdoutCapture.h"
 #include "support/TestFiles.h"
-
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <span>
@@ -24,9 +23,9 @@ inline ParsedLog parseLogFile(const std::string& path,
                               VisibilityLevel visibilityLevel = VisibilityLevel{1}) {
   ParsedLog log;
   log.reader = std::make_unique<KvtProfileLogReader>(path, visibilityLevel);
-  ::testing::internal::CaptureStdout();
+  const StdoutCapture captured;
   log.parsed = log.reader->parseLog(false);
-  log.printed = ::testing::internal::GetCapturedStdout();
+  log.printed = captured.text();
   return log;
 }
 
