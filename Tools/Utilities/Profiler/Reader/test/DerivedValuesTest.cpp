@@ -15,42 +15,42 @@ constexpr const char* queueWaitWarning = "Multiple queue-wait time events found 
                                          "Cannot calculate Host Round-Trip excluding queue wait\n";
 
 EventSpec valued(std::string identifier, uint64_t value) {
-  EventSpec spec;
-  spec.identifier = std::move(identifier);
-  spec.valueU64 = value;
-  return spec;
+  EventSpec described;
+  described.identifier = std::move(identifier);
+  described.valueU64 = value;
+  return described;
 }
 
 EventSpec queueWait(uint64_t value) {
-  EventSpec spec = valued("queue wait", value);
-  spec.eventType = 405;
-  return spec;
+  EventSpec described = valued("queue wait", value);
+  described.eventType = 405;
+  return described;
 }
 
 EventSpec holding(std::vector<EventSpec> children) {
-  EventSpec spec;
-  spec.identifier = "holder";
-  spec.children = std::move(children);
-  return spec;
+  EventSpec described;
+  described.identifier = "holder";
+  described.children = std::move(children);
+  return described;
 }
 
 MessageSpec timed(int8_t methodType, uint64_t timestamp, TimingSpec timing,
                   std::vector<EventSpec> events = {}) {
-  MessageSpec spec;
-  spec.stampTimestamp = timestamp;
-  spec.methodType = methodType;
-  spec.timing = timing;
-  spec.events = std::move(events);
-  spec.graphName = "g";
-  return spec;
+  MessageSpec described;
+  described.stampTimestamp = timestamp;
+  described.methodType = methodType;
+  described.timing = timing;
+  described.events = std::move(events);
+  described.graphName = "g";
+  return described;
 }
 
 MessageSpec execution(int8_t methodType, std::string graph, std::vector<EventSpec> events,
                       int8_t visibility = 0) {
-  MessageSpec spec = timed(methodType, 0, {}, std::move(events));
-  spec.graphName = std::move(graph);
-  spec.visibility = visibility;
-  return spec;
+  MessageSpec described = timed(methodType, 0, {}, std::move(events));
+  described.graphName = std::move(graph);
+  described.visibility = visibility;
+  return described;
 }
 
 // "g: 5 6; h: 7"
@@ -109,9 +109,9 @@ TEST(DerivedValues, ExtractsOneQueueWaitPerExecution) {
 
 TEST(DerivedValues, DerivesTheInitTiming) {
   auto finalizeOf = [](std::string graph, uint64_t duration) {
-    MessageSpec spec = timed(2, 0, {0, duration}, {valued("f", 0)});
-    spec.graphName = std::move(graph);
-    return spec;
+    MessageSpec described = timed(2, 0, {0, duration}, {valued("f", 0)});
+    described.graphName = std::move(graph);
+    return described;
   };
   struct Case {
     const char* what;

@@ -22,11 +22,11 @@ std::vector<uint8_t> bufferOf(const ChunkSpec& chunk) {
 }
 
 MessageSpec message(int8_t methodType, uint64_t timestamp = 0) {
-  MessageSpec spec;
-  spec.methodType = methodType;
-  spec.stampTimestamp = timestamp;
-  spec.timing = TimingSpec{10, 20};
-  return spec;
+  MessageSpec described;
+  described.methodType = methodType;
+  described.stampTimestamp = timestamp;
+  described.timing = TimingSpec{10, 20};
+  return described;
 }
 
 ChunkSpec chunkOf(std::vector<MessageSpec> messages) {
@@ -59,9 +59,9 @@ TEST(FlatBufferReaderUtil, AcceptsAndRejectsBuffers) {
       {"root without messages", [] { return bufferOf(ChunkSpec{}); }, true},
       {"message without method type",
        [] {
-         MessageSpec spec = message(0);
-         spec.methodType.reset();
-         return bufferOf(chunkOf({spec}));
+         MessageSpec described = message(0);
+         described.methodType.reset();
+         return bufferOf(chunkOf({described}));
        },
        true},
       {"11 bytes",
@@ -96,23 +96,23 @@ TEST(FlatBufferReaderUtil, AcceptsAndRejectsBuffers) {
       {"all zeros", [] { return std::vector<uint8_t>(64, 0); }, false},
       {"message without stamp",
        [] {
-         MessageSpec spec = message(7);
-         spec.stampTimestamp.reset();
-         return bufferOf(chunkOf({spec}));
+         MessageSpec described = message(7);
+         described.stampTimestamp.reset();
+         return bufferOf(chunkOf({described}));
        },
        false},
       {"message without timing",
        [] {
-         MessageSpec spec = message(7);
-         spec.timing.reset();
-         return bufferOf(chunkOf({spec}));
+         MessageSpec described = message(7);
+         described.timing.reset();
+         return bufferOf(chunkOf({described}));
        },
        false},
       {"string without terminator",
        [] {
-         MessageSpec spec = message(1);
-         spec.graphName = "graphname";
-         std::vector<uint8_t> buffer = bufferOf(chunkOf({spec}));
+         MessageSpec described = message(1);
+         described.graphName = "graphname";
+         std::vector<uint8_t> buffer = bufferOf(chunkOf({described}));
          const std::string name = "graphname";
          auto at = std::search(buffer.begin(), buffer.end(), name.begin(), name.end());
          at[name.size()] = 'x'; // the NUL after the name
@@ -121,16 +121,16 @@ TEST(FlatBufferReaderUtil, AcceptsAndRejectsBuffers) {
        false},
       {"event tree within the depth limit",
        [] {
-         MessageSpec spec = message(1);
-         spec.events = std::vector<EventSpec>{nestedEvents(55)};
-         return bufferOf(chunkOf({spec}));
+         MessageSpec described = message(1);
+         described.events = std::vector<EventSpec>{nestedEvents(55)};
+         return bufferOf(chunkOf({described}));
        },
        true},
       {"event tree deeper than the depth limit",
        [] {
-         MessageSpec spec = message(1);
-         spec.events = std::vector<EventSpec>{nestedEvents(70)};
-         return bufferOf(chunkOf({spec}));
+         MessageSpec described = message(1);
+         described.events = std::vector<EventSpec>{nestedEvents(70)};
+         return bufferOf(chunkOf({described}));
        },
        false},
   };

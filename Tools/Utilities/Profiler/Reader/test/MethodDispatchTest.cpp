@@ -37,42 +37,42 @@ Dispatched dispatchAll(std::vector<MessageSpec> messages,
 }
 
 EventSpec event(const char* identifier, uint32_t eventType = 1) {
-  EventSpec spec;
-  spec.identifier = identifier;
-  spec.eventType = eventType;
-  return spec;
+  EventSpec described;
+  described.identifier = identifier;
+  described.eventType = eventType;
+  return described;
 }
 
 // A message of graph "g" at 7000 lasting 10, with the given events.
 MessageSpec message(int8_t methodType, std::vector<EventSpec> events = {}) {
-  MessageSpec spec;
-  spec.stampTimestamp = 7000;
-  spec.methodType = methodType;
-  spec.timing = TimingSpec{100, 110};
-  spec.events = std::move(events);
-  spec.graphName = "g";
-  return spec;
+  MessageSpec described;
+  described.stampTimestamp = 7000;
+  described.methodType = methodType;
+  described.timing = TimingSpec{100, 110};
+  described.events = std::move(events);
+  described.graphName = "g";
+  return described;
 }
 
-EventSpec withChildren(EventSpec spec, std::vector<EventSpec> children) {
-  spec.children = std::move(children);
-  return spec;
+EventSpec withChildren(EventSpec described, std::vector<EventSpec> children) {
+  described.children = std::move(children);
+  return described;
 }
 
-MessageSpec withVisibility(MessageSpec spec, int8_t visibility) {
-  spec.visibility = visibility;
-  return spec;
+MessageSpec withVisibility(MessageSpec described, int8_t visibility) {
+  described.visibility = visibility;
+  return described;
 }
 
-MessageSpec withGraph(MessageSpec spec, std::optional<std::string> graph) {
-  spec.graphName = std::move(graph);
-  return spec;
+MessageSpec withGraph(MessageSpec described, std::optional<std::string> graph) {
+  described.graphName = std::move(graph);
+  return described;
 }
 
-MessageSpec withTiming(MessageSpec spec, uint64_t timestamp, std::optional<TimingSpec> timing) {
-  spec.stampTimestamp = timestamp;
-  spec.timing = timing;
-  return spec;
+MessageSpec withTiming(MessageSpec described, uint64_t timestamp, std::optional<TimingSpec> timing) {
+  described.stampTimestamp = timestamp;
+  described.timing = timing;
+  return described;
 }
 
 TEST(MethodDispatch, RoutesEachMethodTypeAndFiltersByLevel) {
@@ -106,9 +106,9 @@ TEST(MethodDispatch, RoutesEachMethodTypeAndFiltersByLevel) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    const MessageSpec spec = withVisibility(
+    const MessageSpec described = withVisibility(
         message(c.methodType, {event("i", 100), event("f", 300), event("e", 1)}), c.visibility);
-    const Dispatched dispatched = dispatchAll({spec});
+    const Dispatched dispatched = dispatchAll({described});
     EXPECT_EQ(dispatched.results, std::vector<bool>{c.taken});
     EXPECT_EQ(modelText(dispatched.model), c.model);
   }
@@ -131,9 +131,9 @@ TEST(MethodDispatch, KeepsOnlyLevelsStrictlyBelowTheReaders) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    MessageSpec spec = message(4);
-    spec.visibility = c.visibility;
-    const Dispatched dispatched = dispatchAll({spec}, VisibilityLevel{c.readerLevel});
+    MessageSpec described = message(4);
+    described.visibility = c.visibility;
+    const Dispatched dispatched = dispatchAll({described}, VisibilityLevel{c.readerLevel});
     EXPECT_EQ(dispatched.results, std::vector<bool>{c.taken});
     EXPECT_EQ(dispatched.model.initSlot.present, c.taken);
   }

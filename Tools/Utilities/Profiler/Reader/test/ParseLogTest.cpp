@@ -19,13 +19,13 @@ MessageSpec execute(uint64_t timestamp) {
   EventSpec event;
   event.identifier = "a";
   event.valueU64 = 4;
-  MessageSpec spec;
-  spec.stampTimestamp = timestamp;
-  spec.methodType = 1;
-  spec.timing = TimingSpec{0, 10};
-  spec.events = std::vector{event};
-  spec.graphName = "g";
-  return spec;
+  MessageSpec described;
+  described.stampTimestamp = timestamp;
+  described.methodType = 1;
+  described.timing = TimingSpec{0, 10};
+  described.events = std::vector{event};
+  described.graphName = "g";
+  return described;
 }
 
 ChunkSpec chunkOf(std::vector<MessageSpec> messages, bool withHeader = false) {
