@@ -69,7 +69,8 @@ MessageSpec withGraph(MessageSpec described, std::optional<std::string> graph) {
   return described;
 }
 
-MessageSpec withTiming(MessageSpec described, uint64_t timestamp, std::optional<TimingSpec> timing) {
+MessageSpec withTiming(MessageSpec described, uint64_t timestamp,
+                       std::optional<TimingSpec> timing) {
   described.stampTimestamp = timestamp;
   described.timing = timing;
   return described;

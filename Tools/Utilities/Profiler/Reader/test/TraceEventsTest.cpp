@@ -33,13 +33,13 @@ EventList itemsOf(const std::vector<std::string>& names, uint32_t itemType) {
 
 // An execution step with all four kinds of sub-event.
 EventRecord step(const StepSpec& described) {
-  return eventRecord(
-      described.name, described.value, 1, 404,
-      {eventRecord("wait", described.wait, 1, 5001),
-       eventRecord("exec bg", described.executionBackground, 1, 5002,
-                   itemsOf(described.executionItems, 5005)),
-       eventRecord("wait bg", described.waitBackground, 1, 5003, itemsOf(described.waitItems, 5006)),
-       eventRecord("resources", described.mask, 1, 5004)});
+  return eventRecord(described.name, described.value, 1, 404,
+                     {eventRecord("wait", described.wait, 1, 5001),
+                      eventRecord("exec bg", described.executionBackground, 1, 5002,
+                                  itemsOf(described.executionItems, 5005)),
+                      eventRecord("wait bg", described.waitBackground, 1, 5003,
+                                  itemsOf(described.waitItems, 5006)),
+                      eventRecord("resources", described.mask, 1, 5004)});
 }
 
 GraphMap<ExecutionEntry> graphOf(EventList steps) {

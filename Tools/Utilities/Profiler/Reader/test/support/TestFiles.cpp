@@ -24,8 +24,7 @@ std::filesystem::path scratchRoot() {
 
 TempDir::TempDir() {
   static std::atomic<unsigned> counter{0};
-  root = scratchRoot() /
-         ("kvt-test-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
+  root = scratchRoot() / ("kvt-test-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
   std::filesystem::remove_all(root);
   std::filesystem::create_directories(root);
 }
