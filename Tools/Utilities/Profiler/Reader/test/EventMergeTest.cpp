@@ -53,6 +53,14 @@ ExecutionEntry execution(uint64_t duration, uint64_t timestamp, EventList events
   return ExecutionEntry{duration, timestamp, std::move(events)};
 }
 
+// The executions folded in log order.
+ExecutionEntry averageExecutions(const std::vector<ExecutionEntry>& executions) {
+  ExecutionAverager averager;
+  for (const ExecutionEntry& entry : executions)
+    averager.add(entry);
+  return std::move(averager).average();
+}
+
 TEST(EventMerge, MergesIncomingRecordsIntoTheAccumulatedList) {
   struct Case {
     const char* what;

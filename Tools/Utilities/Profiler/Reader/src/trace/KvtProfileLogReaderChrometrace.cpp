@@ -14,6 +14,12 @@
 
 namespace kvt::profiling {
 
+KvtProfileLogReaderChrometrace::KvtProfileLogReaderChrometrace(const std::string& logPath,
+                                                               VisibilityLevel visibilityLevel)
+    : KvtProfileLogReader(logPath, visibilityLevel) {
+  model.keepsEveryExecution = false;
+}
+
 KvtProfileLogReaderChrometrace::~KvtProfileLogReaderChrometrace() = default;
 
 bool KvtProfileLogReaderChrometrace::writeOutputs(const std::string& outputPath) {
