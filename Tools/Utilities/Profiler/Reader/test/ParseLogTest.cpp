@@ -174,5 +174,16 @@ TEST(ParseLog, KeepsTheChunksBeforeACorruptOne) {
   EXPECT_EQ(log.printed, "");
 }
 
+// The verifier's table limit is far above a million; such a chunk is ordinary input.
+TEST(ParseLog, ReadsAMillionMessageChunk) {
+  constexpr size_t messages = 1000000;
+  MessageSpec compose;
+  compose.methodType = 7;
+  compose.timing = TimingSpec{0, 3};
+  const ParsedLog log = testing::parseMessages(std::vector<MessageSpec>(messages, compose));
+  ASSERT_TRUE(log.parsed);
+  EXPECT_EQ(log.reader->eventModel().composeGraphsTiming.duration, 3u);
+}
+
 } // namespace
 } // namespace kvt::profiling
