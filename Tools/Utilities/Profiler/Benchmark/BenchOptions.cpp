@@ -19,7 +19,7 @@ constexpr const char* usage =
     "  --executions E        executions of each of the 4 graphs of the main log (default 9000,\n"
     "                        about 1.2 GB)\n"
     "  --scaling-base E      the scaling series runs 10, 100 and 1000 times E executions\n"
-    "                        (default 10)\n"
+    "                        (default 20)\n"
     "  --wide-executions E   executions of the graph of 10,000 steps (default 1000)\n"
     "  --runs N              best of N runs of the floor and the trace reader (default 3)\n"
     "  --csv-runs N          best of N runs of the CSV reader (default 1)\n"

@@ -11,7 +11,7 @@ namespace kvt::profiling {
 
 struct BenchOptions {
   uint64_t executions = 9000;     // of each of the 4 graphs of 64 steps: about 1.2 GB of log
-  uint64_t scalingBase = 10;      // the series runs 10, 100 and 1000 times this many executions
+  uint64_t scalingBase = 20;      // the series runs 10, 100 and 1000 times this many executions
   uint64_t wideExecutions = 1000; // of the one graph of 10,000 steps
   uint32_t runs = 3;              // each figure is the best of this many
   uint32_t csvRuns = 1;           // the CSV reader writes gigabytes; its best of this many

@@ -22,11 +22,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr uint32_t graphSteps = 64; // steps of an execution of the main log and series
 constexpr uint32_t mainGraphs = 4;
-constexpr uint32_t mainSteps = 64;
-constexpr uint32_t stepMessagesPerChunk = 128; // chunks of about 4 MiB with 64-step executions
-constexpr uint32_t wideSteps = 10000;          // distinct identifiers on one level
-constexpr uint32_t wideMessagesPerChunk = 4;   // chunks of about 20 MiB with 10,000 steps
+constexpr uint32_t mainMessagesPerChunk = 128;  // chunks of about 4 MiB
+constexpr uint32_t seriesMessagesPerChunk = 16; // chunks of equal size in every log of the series
+constexpr uint32_t wideSteps = 10000;           // distinct identifiers on one level
+constexpr uint32_t wideMessagesPerChunk = 1;    // chunks of about 5 MiB
 
 // The directory of the logs and outputs; one made here is removed with everything in it.
 class WorkDir {
@@ -79,7 +80,7 @@ public:
 
 private:
   bool runMain() {
-    const SynthShape shape{mainGraphs, options.executions, mainSteps, stepMessagesPerChunk};
+    const SynthShape shape{mainGraphs, options.executions, graphSteps, mainMessagesPerChunk};
     const BenchLog log(dir.file("main.log"));
     if (!synthesizeLog(tools.logTool, shape, log.path))
       return false;
@@ -111,7 +112,7 @@ private:
     for (const uint64_t factor : {10, 100, 1000}) {
       const uint64_t executions = factor * options.scalingBase;
       if (!runScalingRow(std::to_string(factor) + "x",
-                         {1, executions, mainSteps, stepMessagesPerChunk}))
+                         {1, executions, graphSteps, seriesMessagesPerChunk}))
         return false;
     }
     return runScalingRow("wide level",
