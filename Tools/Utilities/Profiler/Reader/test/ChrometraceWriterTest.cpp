@@ -27,6 +27,8 @@ TEST(ChrometraceWriter, RefusesMissingOrUnopenableFiles) {
       {"empty name", "", "Output chrometraceFile not provided."},
       {"directory does not exist", unopenable,
        "Invalid output chrometraceFile: [" + unopenable + "]"},
+      {"a directory, unwritable as a file even for root", dir.path().string(),
+       "Invalid output chrometraceFile: [" + dir.path().string() + "]"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
