@@ -25,14 +25,15 @@ void printInput(const std::string& shape, uint64_t logBytes, const LogWalk& walk
 }
 
 void printTargetHeader() {
-  std::printf("%-14s %9s %9s %8s %13s\n", "", "seconds", "MB/s", "x floor", "peak RSS MiB");
+  std::printf("%-14s %9s %9s %8s %13s %9s\n", "", "seconds", "MB/s", "x floor", "peak RSS MiB",
+              "CPU s");
 }
 
 void printTarget(const std::string& name, const Measured& target, uint64_t logBytes,
                  const Measured& floor) {
-  std::printf("%-14s %9.3f %9.1f %8.2f %13.1f\n", name.c_str(), target.seconds,
+  std::printf("%-14s %9.3f %9.1f %8.2f %13.1f %9.3f\n", name.c_str(), target.seconds,
               double(logBytes) / megabyte / target.seconds, target.seconds / floor.seconds,
-              double(target.peakResidentBytes) / mebibyte);
+              double(target.peakResidentBytes) / mebibyte, target.cpuSeconds);
   std::fflush(stdout);
 }
 

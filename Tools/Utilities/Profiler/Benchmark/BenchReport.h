@@ -12,6 +12,7 @@ namespace kvt::profiling {
 // The best of several runs of one target on one log.
 struct Measured {
   double seconds = 0;             // the fastest run
+  double cpuSeconds = 0;          // of the fastest run: far below seconds on a busy machine
   uint64_t peakResidentBytes = 0; // the largest of the runs
 };
 

@@ -174,10 +174,10 @@ private:
         std::fprintf(stderr, "kvt-profile-bench: a measured run failed\n");
         return std::nullopt;
       }
-      if (!best)
-        best = Measured{measurement.seconds, measurement.peakResidentBytes};
-      best->seconds = std::min(best->seconds, measurement.seconds);
-      best->peakResidentBytes = std::max(best->peakResidentBytes, measurement.peakResidentBytes);
+      const uint64_t peak = best ? best->peakResidentBytes : 0;
+      if (!best || measurement.seconds < best->seconds)
+        best = Measured{measurement.seconds, measurement.cpuSeconds, 0};
+      best->peakResidentBytes = std::max(peak, measurement.peakResidentBytes);
     }
     return best;
   }

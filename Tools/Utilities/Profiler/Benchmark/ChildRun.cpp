@@ -73,6 +73,8 @@ ChildMeasurement measureInChild(const std::function<bool(std::string& findings)>
   measurement.succeeded = true;
   std::memcpy(&measurement.seconds, sent.data(), sizeof measurement.seconds);
   measurement.findings = sent.substr(sizeof measurement.seconds);
+  measurement.cpuSeconds = double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                           double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
   measurement.peakResidentBytes = uint64_t(usage.ru_maxrss) * 1024; // reported in KiB
   return measurement;
 }

@@ -11,6 +11,7 @@ namespace kvt::profiling {
 struct ChildMeasurement {
   bool succeeded = false; // work returned true and the child ended normally
   double seconds = 0;     // wall time of work alone, without the fork
+  double cpuSeconds = 0;  // user and system time of the whole child
   uint64_t peakResidentBytes = 0;
   std::string findings; // what work left in its findings argument
 };
