@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 #include <unistd.h>
@@ -60,7 +61,7 @@ private:
 // A log synthesised for the run, deleted when it goes.
 class BenchLog {
 public:
-  BenchLog(std::string path) : path(std::move(path)) {}
+  explicit BenchLog(std::string path) : path(std::move(path)) {}
   BenchLog(const BenchLog&) = delete;
   BenchLog& operator=(const BenchLog&) = delete;
   ~BenchLog() {
