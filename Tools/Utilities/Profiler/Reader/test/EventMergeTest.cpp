@@ -51,6 +51,14 @@ ExecutionEntry execution(uint64_t duration, uint64_t timestamp, EventList events
   return ExecutionEntry{duration, timestamp, std::move(events)};
 }
 
+// The executions folded in log order.
+ExecutionEntry averageExecutions(const std::vector<ExecutionEntry>& executions) {
+  ExecutionAverager averager;
+  for (const ExecutionEntry& entry : executions)
+    averager.add(entry);
+  return std::move(averager).average();
+}
+
 TEST(EventMerge, MergesIncomingRecordsIntoTheAccumulatedList) {
   struct Case {
     const char* what;
@@ -75,6 +83,10 @@ TEST(EventMerge, MergesIncomingRecordsIntoTheAccumulatedList) {
        {record("a", 1), record("a", 10)},
        {record("a", 5)},
        "a=6:164x2 a=10:164x1"},
+      {"a later holder of the identifier at the incoming record's own place does not match",
+       {record("a", 1), record("a", 10)},
+       {record("b", 5), record("a", 5)},
+       "a=6:164x2 a=10:164x1 b=5:164x1"},
       {"unmatched records are appended after all others, in incoming order",
        {record("a", 1)},
        {record("c", 3), record("a", 1), record("b", 2)},

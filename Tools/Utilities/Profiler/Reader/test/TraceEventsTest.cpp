@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 namespace kvt::profiling {
 namespace {
 
@@ -46,6 +48,14 @@ GraphMap<ExecutionEntry> graphOf(EventList steps) {
   GraphMap<ExecutionEntry> graphs;
   graphs.getOrCreate("g").events = {eventRecord("execute", 0, 1, 0, std::move(steps))};
   return graphs;
+}
+
+// The trace text, or none when writeTraceJson refused.
+std::optional<std::string> traceJson(const GraphMap<ExecutionEntry>& averages) {
+  std::ostringstream out;
+  if (!writeTraceJson(averages, out))
+    return std::nullopt;
+  return out.str();
 }
 
 // One line per span: row, name, start + duration, then colour and resources when present.
@@ -115,13 +125,13 @@ TEST(TraceEvents, StepMissingASubEventKindIsIncompatible) {
     EXPECT_FALSE(
         buildTraceEvents(graphOf({step({.name = "fine", .value = 3}), broken})).has_value());
     EXPECT_EQ(logger.texts(logError), std::vector<std::string>{incompatible});
-    EXPECT_FALSE(writeTraceJson(graphOf({broken})).has_value());
+    EXPECT_FALSE(traceJson(graphOf({broken})).has_value());
   }
 }
 
 TEST(TraceDocument, LargeNumbersAndEscapedNames) {
   const uint64_t huge = ~uint64_t(0);
-  const std::optional<std::string> json = writeTraceJson(
+  const std::optional<std::string> json = traceJson(
       graphOf({step({.name = "say \"hi\"\n", .value = huge, .executionBackground = huge})}));
   ASSERT_TRUE(json.has_value());
   EXPECT_NE(json->find(R"("name": "say \"hi\"\n",)"), std::string::npos);

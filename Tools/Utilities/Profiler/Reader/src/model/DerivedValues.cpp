@@ -2,55 +2,26 @@
 // which no message carries as such.
 #include "DerivedValues.h"
 
-#include "EventMerge.h"
-
-#include <optional>
+#include <utility>
 
 namespace kvt::profiling {
 
 namespace {
 
-constexpr uint32_t queueWaitEventType = 405; // the time an execution waited in the queue
-
 void computeAverages(EventModel& model) {
-  for (const auto& [graph, executions] : model.executionsByGraph)
-    model.averageExecutionByGraph.getOrCreate(graph) = averageExecutions(executions);
-}
-
-// The payload of the one queue-wait event among the top-level events and their children; none
-// when there is no such event or more than one.
-std::optional<uint64_t> findSingleQueueWait(const EventList& events) {
-  size_t seen = 0;
-  uint64_t payload = 0;
-  auto visit = [&](const EventRecord& record) {
-    if (record.eventType == queueWaitEventType) {
-      ++seen;
-      payload = record.value.payload;
-    }
-  };
-  for (const EventRecord& record : events) {
-    visit(record);
-    for (const EventRecord& child : record.children)
-      visit(child);
-  }
-  return seen == 1 ? std::optional(payload) : std::nullopt;
+  for (auto& [graph, average] : model.runningExecutions.averageByGraph)
+    model.averageExecutionByGraph.getOrCreate(graph) = std::move(average).average();
 }
 
 // All or nothing: the round trip without queue wait is only meaningful with one wait per
 // execution of every graph.
-void extractQueueWaits(EventModel& model, std::ostream& warnings) {
-  for (const auto& [graph, executions] : model.executionsByGraph) {
-    for (const ExecutionEntry& execution : executions) {
-      const std::optional<uint64_t> queueWait = findSingleQueueWait(execution.events);
-      if (!queueWait) {
-        model.queueWaitByGraph.clear();
-        warnings << "Multiple queue-wait time events found per execution. Cannot calculate Host "
-                    "Round-Trip excluding queue wait\n";
-        return;
-      }
-      model.queueWaitByGraph.getOrCreate(graph).push_back(*queueWait);
-    }
+void keepQueueWaits(EventModel& model, std::ostream& warnings) {
+  if (model.runningExecutions.queueWaitMissing) {
+    warnings << "Multiple queue-wait time events found per execution. Cannot calculate Host "
+                "Round-Trip excluding queue wait\n";
+    return;
   }
+  model.queueWaitByGraph = std::move(model.runningExecutions.queueWaitByGraph);
 }
 
 // With finalize messages, init spans the unnamed step, composing and every finalize; a log
@@ -71,8 +42,9 @@ void computeInitTiming(EventModel& model) {
 void computeDerivedValues(EventModel& model, std::ostream& warnings) {
   computeAverages(model);
   if (model.queueWaitMode)
-    extractQueueWaits(model, warnings);
+    keepQueueWaits(model, warnings);
   computeInitTiming(model);
+  model.runningExecutions = {};
 }
 
 } // namespace kvt::profiling

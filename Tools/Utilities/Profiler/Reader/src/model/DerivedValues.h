@@ -7,10 +7,11 @@
 
 namespace kvt::profiling {
 
-// Runs, in order: the average of each graph's executions into averageExecutionByGraph; when
-// queueWaitMode is set, each execution's one queue-wait event (type 405, top level or one below)
-// into queueWaitByGraph, or none at all with a warning unless every execution has exactly one;
-// the init timing. Warnings for the user are appended to warnings.
+// Runs, in order: the running average of each graph's executions into averageExecutionByGraph;
+// when queueWaitMode is set, the queue wait gathered from each execution (type 405, top level or
+// one below) into queueWaitByGraph, or none at all with a warning unless every execution had
+// exactly one; the init timing. Empties runningExecutions. Warnings for the user are appended to
+// warnings.
 void computeDerivedValues(EventModel& model, std::ostream& warnings);
 
 } // namespace kvt::profiling

@@ -17,20 +17,13 @@ enum ValueType : uint32_t {
   valueTypeF64 = 5,
 };
 
-EventRecord buildEventRecord(const schema::Event& event) {
-  EventRecord record;
-  if (const EventVector* children = event.child_events())
-    record.children = buildSubEventList(*children);
-  readEventValue(event, record);
-  const flatbuffers::String* identifier = event.identifier();
-  record.identifier = identifier ? identifier->str() : "null";
-  if (const flatbuffers::String* message = event.message())
-    record.message = message->str();
-  record.eventType = event.event_type();
-  record.unit = event.unit();
-  record.timestamp = event.timestamp();
-  record.count = 1;
-  return record;
+// The records of a range of event pointers, in its order.
+template <typename Events> EventList buildRecords(const Events& events) {
+  EventList records;
+  records.reserve(events.size());
+  for (const schema::Event* event : events)
+    records.push_back(buildEventRecord(*event));
+  return records;
 }
 
 } // namespace
@@ -41,34 +34,54 @@ EventList buildEventList(const schema::Message& message) {
 }
 
 EventList buildSubEventList(const EventVector& events) {
-  EventList records;
-  records.reserve(events.size());
-  for (const schema::Event* event : events)
-    records.push_back(buildEventRecord(*event));
-  return records;
+  return buildRecords(events);
+}
+
+EventList buildEventRecords(std::span<const schema::Event* const> events) {
+  return buildRecords(events);
+}
+
+EventRecord buildEventRecord(const schema::Event& event) {
+  EventRecord record;
+  if (const EventVector* children = event.child_events())
+    record.children = buildSubEventList(*children);
+  readEventValue(event, record);
+  record.identifier = readIdentifier(event);
+  if (const flatbuffers::String* message = event.message())
+    record.message = message->str();
+  record.eventType = event.event_type();
+  record.unit = event.unit();
+  record.timestamp = event.timestamp();
+  record.count = 1;
+  return record;
 }
 
 void readEventValue(const schema::Event& event, EventRecord& record) {
-  switch (event.value_type()) {
-  case valueTypeI64:
-    record.value = {dataTypeI64, std::bit_cast<uint64_t>(event.value_i64())};
-    return;
-  case valueTypeF32:
-    record.value = {dataTypeF32, std::bit_cast<uint32_t>(event.value_f32())};
-    return;
-  case valueTypeBytes:
-    record.value = EventValue{}; // the byte-vector type with a zero payload
+  record.value = readTaggedValue(event);
+  if (event.value_type() == valueTypeBytes)
     if (const flatbuffers::Vector<uint8_t>* bytes = event.value_bytes())
       record.bytes.assign(bytes->begin(), bytes->end());
-    return;
+}
+
+EventValue readTaggedValue(const schema::Event& event) {
+  switch (event.value_type()) {
+  case valueTypeI64:
+    return {dataTypeI64, std::bit_cast<uint64_t>(event.value_i64())};
+  case valueTypeF32:
+    return {dataTypeF32, std::bit_cast<uint32_t>(event.value_f32())};
+  case valueTypeBytes:
+    return EventValue{}; // the byte-vector type with a zero payload
   case valueTypeF64:
-    record.value = {dataTypeF64, std::bit_cast<uint64_t>(event.value_f64())};
-    return;
+    return {dataTypeF64, std::bit_cast<uint64_t>(event.value_f64())};
   case valueTypeU64:
   default:
-    record.value = {dataTypeU64, event.value_u64()};
-    return;
+    return {dataTypeU64, event.value_u64()};
   }
+}
+
+std::string_view readIdentifier(const schema::Event& event) {
+  const flatbuffers::String* identifier = event.identifier();
+  return identifier ? std::string_view(identifier->data(), identifier->size()) : "null";
 }
 
 } // namespace kvt::profiling

@@ -4,6 +4,9 @@
 #include "EventRecord.h"
 #include "ProfileLog_generated.h"
 
+#include <span>
+#include <string_view>
+
 namespace kvt::profiling {
 
 using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::Event>>;
@@ -14,10 +17,18 @@ using EventVector = flatbuffers::Vector<flatbuffers::Offset<schema::Event>>;
 EventList buildEventList(const schema::Message& message);
 // The records of a nested event vector, in log order, each with its children built first.
 EventList buildSubEventList(const EventVector& events);
+// The records of some of a message's events, in the order given.
+EventList buildEventRecords(std::span<const schema::Event* const> events);
+// One event's record with its whole subtree.
+EventRecord buildEventRecord(const schema::Event& event);
 // Sets record.value from the event's value_type: 1 value_i64 as dataTypeI64, 3 value_f32 as
 // dataTypeF32 (bit pattern in the low 32 bits), 4 value_bytes into record.bytes with
 // dataTypeBytes and payload 0, 5 value_f64 as dataTypeF64, anything else value_u64 as
 // dataTypeU64.
 void readEventValue(const schema::Event& event, EventRecord& record);
+// The value readEventValue gives the record, without the bytes.
+EventValue readTaggedValue(const schema::Event& event);
+// The identifier a record of the event gets: "null" when absent. Points into the buffer.
+std::string_view readIdentifier(const schema::Event& event);
 
 } // namespace kvt::profiling

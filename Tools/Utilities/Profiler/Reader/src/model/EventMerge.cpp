@@ -1,9 +1,11 @@
-// Merging by identifier. An index from identifier to first record keeps repeated merges of wide
-// lists linear; its results are those of a search from the start of the list.
+// Merging by identifier, from records or straight from a verified buffer. An index from
+// identifier to first record keeps repeated merges of wide lists linear; its results are those of
+// a search from the start of the list.
 #include "EventMerge.h"
 
+#include "EventBuilder.h"
+
 #include <algorithm>
-#include <utility>
 
 namespace kvt::profiling {
 
@@ -12,18 +14,46 @@ namespace {
 // Lists up to this many records are searched linearly; an index would cost more than it saves.
 constexpr size_t linearSearchRecords = 16;
 
-// Brings the index up to the first `existing` records of a long list; no-op for short lists.
-void catchUp(IdentifierIndex& index, const EventList& records, size_t existing) {
-  if (existing <= linearSearchRecords)
-    return;
-  for (size_t i = index.indexedRecords; i < existing; ++i)
-    index.firstRecord.try_emplace(records[i].identifier, i); // keeps an earlier holder
-  index.indexedRecords = existing;
-}
+// Incoming events that are records already.
+class RecordSource {
+public:
+  explicit RecordSource(const EventList& records) : records(records) {}
+  size_t size() const { return records.size(); }
+  std::string_view identifier(size_t i) const { return records[i].identifier; }
+  uint64_t payload(size_t i) const { return records[i].value.payload; }
+  RecordSource children(size_t i) const { return RecordSource(records[i].children); }
+  EventRecord copy(size_t i) const { return records[i]; }
+
+private:
+  const EventList& records;
+};
+
+// Incoming events still in the buffer: some top-level events of a message, or a nested vector.
+class BufferSource {
+public:
+  explicit BufferSource(std::span<const schema::Event* const> topLevel)
+      : topLevel(topLevel), count(topLevel.size()) {}
+  explicit BufferSource(const EventVector* nested)
+      : nested(nested), count(nested ? nested->size() : 0) {}
+  size_t size() const { return count; }
+  std::string_view identifier(size_t i) const { return readIdentifier(event(i)); }
+  uint64_t payload(size_t i) const { return readTaggedValue(event(i)).payload; }
+  BufferSource children(size_t i) const { return BufferSource(event(i).child_events()); }
+  EventRecord copy(size_t i) const { return buildEventRecord(event(i)); }
+
+private:
+  const schema::Event& event(size_t i) const {
+    return nested ? *nested->Get(flatbuffers::uoffset_t(i)) : *topLevel[i];
+  }
+
+  std::span<const schema::Event* const> topLevel;
+  const EventVector* nested = nullptr;
+  size_t count = 0;
+};
 
 // The position of the first of the first `existing` records with identifier; existing if none.
-size_t findFirstRecord(const IdentifierIndex& index, const EventList& records, size_t existing,
-                       const std::string& identifier) {
+size_t searchFirstRecord(const IdentifierIndex& index, const EventList& records, size_t existing,
+                         std::string_view identifier) {
   if (existing <= linearSearchRecords) {
     const auto end = records.begin() + ptrdiff_t(existing);
     const auto found = std::find_if(records.begin(), end, [&](const EventRecord& record) {
@@ -35,43 +65,60 @@ size_t findFirstRecord(const IdentifierIndex& index, const EventList& records, s
   return found == index.firstRecord.end() ? existing : found->second;
 }
 
+// Brings the index up to the first `existing` records of the list.
+void catchUp(IdentifierIndex& index, const EventList& records, size_t existing) {
+  if (existing > linearSearchRecords) {
+    for (size_t i = index.mappedRecords; i < existing; ++i)
+      index.firstRecord.try_emplace(records[i].identifier, i); // keeps an earlier holder
+    index.mappedRecords = existing;
+  }
+  for (size_t i = index.firstHolder.size(); i < existing; ++i)
+    index.firstHolder.push_back(
+        searchFirstRecord(index, records, existing, records[i].identifier) == i);
+}
+
+// searchFirstRecord, trying first the place where the record is likely to be.
+size_t findFirstRecord(const IdentifierIndex& index, const EventList& records, size_t existing,
+                       std::string_view identifier, size_t hint) {
+  if (hint < existing && index.firstHolder[hint] && records[hint].identifier == identifier)
+    return hint;
+  return searchFirstRecord(index, records, existing, identifier);
+}
+
 IdentifierIndex& getOrCreateChildIndex(IdentifierIndex& index, size_t position, size_t existing) {
   if (index.children.size() < existing)
     index.children.resize(existing);
-  std::unique_ptr<IdentifierIndex>& child = index.children[position];
-  if (!child)
-    child = std::make_unique<IdentifierIndex>();
-  return *child;
+  return index.children[position];
 }
 
-void mergeIndexed(EventList& accumulated, IdentifierIndex& index, EventList incoming) {
-  // Only records that existed before this merge may match; the unmatched join them afterwards.
+template <typename Source>
+void mergeIndexed(EventList& accumulated, IdentifierIndex& index, const Source& incoming) {
+  // Only records that existed before this merge may match; the unmatched join them at the end,
+  // in incoming order, as they come.
   const size_t existing = accumulated.size();
   catchUp(index, accumulated, existing);
-  EventList setAside;
-  for (EventRecord& record : incoming) {
-    const size_t position = findFirstRecord(index, accumulated, existing, record.identifier);
+  for (size_t i = 0; i < incoming.size(); ++i) {
+    const size_t position =
+        findFirstRecord(index, accumulated, existing, incoming.identifier(i), i);
     if (position == existing) {
-      setAside.push_back(std::move(record));
+      accumulated.push_back(incoming.copy(i));
       continue;
     }
     EventRecord& match = accumulated[position];
-    match.value.payload += record.value.payload; // bit patterns added, floats included
+    match.value.payload += incoming.payload(i); // bit patterns added, floats included
     match.value.dataType = dataTypeU64;
     ++match.count;
-    if (!record.children.empty())
-      mergeIndexed(match.children, getOrCreateChildIndex(index, position, existing),
-                   std::move(record.children));
+    const Source children = incoming.children(i);
+    if (children.size() != 0)
+      mergeIndexed(match.children, getOrCreateChildIndex(index, position, existing), children);
   }
-  accumulated.insert(accumulated.end(), std::make_move_iterator(setAside.begin()),
-                     std::make_move_iterator(setAside.end()));
 }
 
 } // namespace
 
-void mergeEventLists(EventList& accumulated, EventList incoming) {
+void mergeEventLists(EventList& accumulated, const EventList& incoming) {
   IdentifierIndex index;
-  mergeIndexed(accumulated, index, std::move(incoming));
+  mergeIndexed(accumulated, index, RecordSource(incoming));
 }
 
 void averageEventCounts(EventList& events) {
@@ -82,11 +129,15 @@ void averageEventCounts(EventList& events) {
   }
 }
 
-void ExecutionAverager::add(ExecutionEntry execution) {
-  durationSum += execution.duration;
-  ++executions;
-  latestTimestamp = execution.timestamp;
-  mergeIndexed(events, index, std::move(execution.events));
+void ExecutionAverager::add(const ExecutionEntry& execution) {
+  addTiming(execution.duration, execution.timestamp);
+  mergeIndexed(events, index, RecordSource(execution.events));
+}
+
+void ExecutionAverager::add(uint64_t duration, uint64_t timestamp,
+                            std::span<const schema::Event* const> topLevel) {
+  addTiming(duration, timestamp);
+  mergeIndexed(events, index, BufferSource(topLevel));
 }
 
 ExecutionEntry ExecutionAverager::average() && {
@@ -100,11 +151,10 @@ ExecutionEntry ExecutionAverager::average() && {
   return result;
 }
 
-ExecutionEntry averageExecutions(const std::vector<ExecutionEntry>& executions) {
-  ExecutionAverager averager;
-  for (const ExecutionEntry& execution : executions)
-    averager.add(execution);
-  return std::move(averager).average();
+void ExecutionAverager::addTiming(uint64_t duration, uint64_t timestamp) {
+  durationSum += duration;
+  ++executions;
+  latestTimestamp = timestamp;
 }
 
 } // namespace kvt::profiling

@@ -1,7 +1,9 @@
 // What a parse keeps of a log: per-method timings, per-graph entries and the derived averages.
 #pragma once
 
+#include "EventMerge.h"
 #include "EventRecord.h"
+#include "ExecutionEntry.h"
 #include "GraphMap.h"
 
 #include <cstdint>
@@ -15,14 +17,6 @@ struct TimingPair {
   uint64_t duration = 0;
 };
 
-// One execution (or the finalize) of a graph.
-struct ExecutionEntry {
-  uint64_t duration = 0;
-  uint64_t timestamp = 0;
-  EventList events;
-};
-using FinalizeEntry = ExecutionEntry;
-
 // A run-level step: init, overall execution, de-init, library load. The de-init slot never sets
 // present; test it by its contents.
 struct RunLevelSlot {
@@ -30,6 +24,14 @@ struct RunLevelSlot {
   uint64_t timestamp = 0;
   EventList events;
   bool present = false;
+};
+
+// What parsing gathers of every execution as it comes, for the values derived afterwards.
+struct RunningExecutions {
+  GraphMap<ExecutionAverager> averageByGraph;
+  // Each execution's one queue-wait event, while no execution has lacked it.
+  GraphMap<std::vector<uint64_t>> queueWaitByGraph;
+  bool queueWaitMissing = false; // some execution had no queue-wait event, or several
 };
 
 // The message types of the log, as the dispatch routes them.
@@ -47,6 +49,9 @@ enum class MethodType : int8_t {
 };
 
 struct EventModel {
+  // Whether executionsByGraph keeps every execution, as the CSV event log needs. Either way each
+  // execution is folded into its graph's running average and queue waits as it comes.
+  bool keepsEveryExecution = true;
   TimingPair initTiming;          // derived after parsing
   TimingPair unnamedTiming;       // type 6
   TimingPair composeGraphsTiming; // type 7
@@ -56,8 +61,9 @@ struct EventModel {
   GraphMap<FinalizeEntry> finalizeByGraph;
   bool hasFinalize = false;
   bool hasFinalizeEvents = false;
-  GraphMap<std::vector<ExecutionEntry>> executionsByGraph;
+  GraphMap<std::vector<ExecutionEntry>> executionsByGraph; // only with keepsEveryExecution
   bool queueWaitMode = false;
+  RunningExecutions runningExecutions;              // while parsing; emptied after it
   GraphMap<ExecutionEntry> averageExecutionByGraph; // derived after parsing
   GraphMap<std::vector<uint64_t>> queueWaitByGraph; // derived after parsing, one per execution
   RunLevelSlot executeOverallSlot;                  // type 8

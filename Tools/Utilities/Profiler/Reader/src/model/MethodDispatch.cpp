@@ -6,15 +6,18 @@
 #include "plugin/Logging.h"
 
 #include <optional>
+#include <span>
 #include <string_view>
+#include <vector>
 
 namespace kvt::profiling {
 
 namespace {
 
 // Event types that graph messages file apart from the graph's own events.
-constexpr uint32_t initEventType = 100;     // belongs to the init step
-constexpr uint32_t finalizeEventType = 300; // belongs to the finalize step of a combined message
+constexpr uint32_t initEventType = 100;      // belongs to the init step
+constexpr uint32_t finalizeEventType = 300;  // belongs to the finalize step of a combined message
+constexpr uint32_t queueWaitEventType = 405; // the time an execution waited in the queue
 
 // What a graph message is: it decides where its events and timing are filed.
 enum class GraphStep {
@@ -74,6 +77,74 @@ bool handleRunLevel(RunLevelSlot& slot, bool marksPresence, const schema::Messag
   return true;
 }
 
+// A graph message's top-level events by the step they belong to, in log order.
+struct RoutedEvents {
+  std::vector<const schema::Event*> init;
+  std::vector<const schema::Event*> finalize;
+  std::vector<const schema::Event*> execution;
+};
+
+RoutedEvents routeEvents(GraphStep step, const schema::Message& message) {
+  RoutedEvents routed;
+  const EventVector* events = message.events();
+  if (!events)
+    return routed;
+  for (const schema::Event* event : *events) {
+    const uint32_t eventType = event->event_type();
+    if (eventType == initEventType)
+      routed.init.push_back(event);
+    else if (step == GraphStep::finalize ||
+             (step == GraphStep::combined && eventType == finalizeEventType))
+      routed.finalize.push_back(event);
+    else
+      routed.execution.push_back(event);
+  }
+  return routed;
+}
+
+// The payload of the one queue-wait event among an execution's top-level events and their
+// children; none when there is no such event or more than one.
+std::optional<uint64_t> findSingleQueueWait(std::span<const schema::Event* const> events) {
+  size_t seen = 0;
+  uint64_t payload = 0;
+  auto visit = [&](const schema::Event& event) {
+    if (event.event_type() == queueWaitEventType) {
+      ++seen;
+      payload = readTaggedValue(event).payload;
+    }
+  };
+  for (const schema::Event* event : events) {
+    visit(*event);
+    if (const EventVector* children = event->child_events())
+      for (const schema::Event* child : *children)
+        visit(*child);
+  }
+  return seen == 1 ? std::optional(payload) : std::nullopt;
+}
+
+// Folds one execution into its graph's running average and queue waits, and keeps the execution
+// itself only when the model keeps every one.
+void fileExecution(EventModel& model, std::string_view graph, uint64_t duration, uint64_t timestamp,
+                   std::span<const schema::Event* const> events) {
+  RunningExecutions& running = model.runningExecutions;
+  if (!running.queueWaitMissing) {
+    if (const std::optional<uint64_t> queueWait = findSingleQueueWait(events)) {
+      running.queueWaitByGraph.getOrCreate(graph).push_back(*queueWait);
+    } else {
+      running.queueWaitMissing = true;
+      running.queueWaitByGraph.clear(); // none of them will be reported
+    }
+  }
+  ExecutionAverager& average = running.averageByGraph.getOrCreate(graph);
+  if (!model.keepsEveryExecution) {
+    average.add(duration, timestamp, events);
+    return;
+  }
+  ExecutionEntry execution{duration, timestamp, buildEventRecords(events)};
+  average.add(execution);
+  model.executionsByGraph.getOrCreate(graph).push_back(std::move(execution));
+}
+
 // Types 1, 2, 3 and 9. Init events of any graph message replace the init list, even with none of
 // their own once some message had them; finalize entries are kept only once finalize events were
 // seen.
@@ -89,31 +160,19 @@ bool handleGraph(EventModel& model, GraphStep step, const schema::Message& messa
   const uint64_t duration = readDuration(message).value_or(0);
   const uint64_t timestamp = readTimestamp(message);
 
-  EventList initEvents;
-  EventList finalizeEvents;
-  EventList executionEvents;
-  for (EventRecord& record : buildEventList(message)) {
-    if (record.eventType == initEventType) {
-      initEvents.push_back(std::move(record));
-      model.hasInitEvents = true;
-    } else if (step == GraphStep::finalize ||
-               (step == GraphStep::combined && record.eventType == finalizeEventType)) {
-      finalizeEvents.push_back(std::move(record));
-      model.hasFinalizeEvents = true;
-    } else {
-      executionEvents.push_back(std::move(record));
-    }
-  }
-
+  const RoutedEvents routed = routeEvents(step, message);
+  if (!routed.init.empty())
+    model.hasInitEvents = true;
+  if (!routed.finalize.empty())
+    model.hasFinalizeEvents = true;
   if (model.hasInitEvents)
-    model.initEvents = std::move(initEvents);
+    model.initEvents = buildEventRecords(routed.init);
   const std::string_view graph(graphName->data(), graphName->size());
   if (step != GraphStep::execute && model.hasFinalizeEvents)
     model.finalizeByGraph.getOrCreate(graph) =
-        FinalizeEntry{duration, timestamp, std::move(finalizeEvents)};
+        FinalizeEntry{duration, timestamp, buildEventRecords(routed.finalize)};
   if (step != GraphStep::finalize)
-    model.executionsByGraph.getOrCreate(graph).push_back(
-        ExecutionEntry{duration, timestamp, std::move(executionEvents)});
+    fileExecution(model, graph, duration, timestamp, routed.execution);
   if (step == GraphStep::combined)
     model.hasCombinedExecute = true;
   return true;

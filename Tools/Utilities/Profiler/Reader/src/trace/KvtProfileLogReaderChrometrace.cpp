@@ -14,6 +14,12 @@
 
 namespace kvt::profiling {
 
+KvtProfileLogReaderChrometrace::KvtProfileLogReaderChrometrace(const std::string& logPath,
+                                                               VisibilityLevel visibilityLevel)
+    : KvtProfileLogReader(logPath, visibilityLevel) {
+  model.keepsEveryExecution = false;
+}
+
 KvtProfileLogReaderChrometrace::~KvtProfileLogReaderChrometrace() = default;
 
 bool KvtProfileLogReaderChrometrace::writeOutputs(const std::string& outputPath) {
@@ -36,10 +42,9 @@ bool KvtProfileLogReaderChrometrace::writeOutputs(const std::string& outputPath)
 
   // The statistics are printed only once the whole trace is in the file; an incompatible log
   // leaves the file empty and prints nothing.
-  const std::optional<std::string> trace = writeTraceJson(model.averageExecutionByGraph);
-  if (!trace)
+  if (!writeTraceJson(model.averageExecutionByGraph, file))
     return false;
-  file << *trace << "\n" << std::flush;
+  file << "\n" << std::flush;
   std::cout << statistics.str() << std::flush;
   return true;
 }

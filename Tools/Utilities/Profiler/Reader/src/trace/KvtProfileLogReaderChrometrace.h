@@ -8,7 +8,9 @@ namespace kvt::profiling {
 
 class KvtProfileLogReaderChrometrace : public KvtProfileLogReader {
 public:
-  using KvtProfileLogReader::KvtProfileLogReader;
+  // As the base reader, but keeps only the averages of the executions: the trace and the
+  // statistics read nothing else of them, so memory does not grow with their number.
+  KvtProfileLogReaderChrometrace(const std::string& logPath, VisibilityLevel visibilityLevel);
 
   // Writes the trace to outputPath, then prints the statistics. False when the name is empty,
   // the file cannot be opened, or the log lacks the detailed sub-events the trace needs.

@@ -53,20 +53,30 @@ bool buildTraceDocument(const GraphMap<ExecutionEntry>& averageExecutionByGraph,
   return true;
 }
 
-} // namespace
-
-std::optional<std::string> writeTraceJson(const GraphMap<ExecutionEntry>& averageExecutionByGraph) {
+// The whole text is in buffer before any of it is written; the document goes as soon as the
+// text is made, so that the two largest forms of the trace are never held together with a third.
+bool serializeTraceDocument(const GraphMap<ExecutionEntry>& averageExecutionByGraph,
+                            rapidjson::StringBuffer& buffer) {
   rapidjson::Document document(rapidjson::kObjectType);
   if (!buildTraceDocument(averageExecutionByGraph, document))
-    return std::nullopt;
-  rapidjson::StringBuffer buffer;
+    return false;
   rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
   // The writer stops at the first value it refuses and leaves half a document behind.
   if (!document.Accept(writer) || !writer.IsComplete()) {
     logMessage(logError, "Trace document could not be written.");
-    return std::nullopt;
+    return false;
   }
-  return std::string(buffer.GetString(), buffer.GetSize());
+  return true;
+}
+
+} // namespace
+
+bool writeTraceJson(const GraphMap<ExecutionEntry>& averageExecutionByGraph, std::ostream& out) {
+  rapidjson::StringBuffer buffer;
+  if (!serializeTraceDocument(averageExecutionByGraph, buffer))
+    return false;
+  out.write(buffer.GetString(), std::streamsize(buffer.GetSize()));
+  return true;
 }
 
 } // namespace kvt::profiling

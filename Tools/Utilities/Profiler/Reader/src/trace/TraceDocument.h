@@ -3,14 +3,13 @@
 
 #include "model/EventModel.h"
 
-#include <optional>
-#include <string>
+#include <ostream>
 
 namespace kvt::profiling {
 
-// The trace of the averaged executions, pretty-printed with 4 blanks per level and no final
-// line end. Empty when the log is incompatible (reported by buildTraceEvents) or the text
-// could not be produced (reported here).
-std::optional<std::string> writeTraceJson(const GraphMap<ExecutionEntry>& averageExecutionByGraph);
+// Writes the trace of the averaged executions to out, pretty-printed with 4 blanks per level and
+// no final line end. False, with nothing written, when the log is incompatible (reported by
+// buildTraceEvents) or the text could not be produced (reported here).
+bool writeTraceJson(const GraphMap<ExecutionEntry>& averageExecutionByGraph, std::ostream& out);
 
 } // namespace kvt::profiling

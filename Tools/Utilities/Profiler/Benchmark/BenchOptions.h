@@ -1,0 +1,25 @@
+// The benchmark's command line: the sizes of its inputs and how often each is measured.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kvt::profiling {
+
+struct BenchOptions {
+  uint64_t executions = 9000;     // of each of the 4 graphs of 64 steps: about 1.2 GB of log
+  uint64_t scalingBase = 20;      // the series runs 10, 100 and 1000 times this many executions
+  uint64_t wideExecutions = 1000; // of the one graph of 10,000 steps
+  uint32_t runs = 3;              // each figure is the best of this many
+  uint32_t csvRuns = 1;           // the CSV reader writes gigabytes; its best of this many
+  std::string workDir;            // empty: a fresh directory in the temporary directory
+};
+
+// The options of the arguments after the program name; none, with the usage or the error on
+// the standard error, for a wrong command line or a request for help.
+std::optional<BenchOptions> parseBenchOptions(std::span<const std::string_view> args);
+
+} // namespace kvt::profiling

@@ -1,0 +1,197 @@
+// The order of the run: the main log, the floor and both readers on it, then the scaling series.
+// Every log is deleted as soon as its measurements are done.
+#include "Benchmark.h"
+
+#include "BenchReport.h"
+#include "ChildRun.h"
+#include "FloorWalk.h"
+#include "LogSynthesis.h"
+#include "ReaderHost.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <optional>
+
+#include <unistd.h>
+
+namespace kvt::profiling {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint32_t graphSteps = 64; // steps of an execution of the main log and series
+constexpr uint32_t mainGraphs = 4;
+constexpr uint32_t mainMessagesPerChunk = 128;  // chunks of about 4 MiB
+constexpr uint32_t seriesMessagesPerChunk = 16; // chunks of equal size in every log of the series
+constexpr uint32_t wideSteps = 10000;           // distinct identifiers on one level
+constexpr uint32_t wideMessagesPerChunk = 1;    // chunks of about 5 MiB
+
+// The directory of the logs and outputs; one made here is removed with everything in it.
+class WorkDir {
+public:
+  explicit WorkDir(const std::string& requested) {
+    if (!requested.empty()) {
+      path = requested;
+      fs::create_directories(path);
+      return;
+    }
+    path = fs::temp_directory_path() / ("kvt-profile-bench-" + std::to_string(getpid()));
+    fs::create_directories(path);
+    owned = true;
+  }
+  WorkDir(const WorkDir&) = delete;
+  WorkDir& operator=(const WorkDir&) = delete;
+  ~WorkDir() {
+    std::error_code ignored;
+    if (owned)
+      fs::remove_all(path, ignored);
+  }
+
+  std::string file(const std::string& name) const { return (path / name).string(); }
+
+private:
+  fs::path path;
+  bool owned = false;
+};
+
+// A log synthesised for the run, deleted when it goes.
+class BenchLog {
+public:
+  explicit BenchLog(std::string path) : path(std::move(path)) {}
+  BenchLog(const BenchLog&) = delete;
+  BenchLog& operator=(const BenchLog&) = delete;
+  ~BenchLog() {
+    std::error_code ignored;
+    fs::remove(path, ignored);
+  }
+
+  const std::string path;
+};
+
+class BenchRun {
+public:
+  BenchRun(const BenchOptions& options, const BenchTools& tools)
+      : options(options), tools(tools), dir(options.workDir) {}
+
+  bool run() { return runMain() && runScaling(); }
+
+private:
+  bool runMain() {
+    const SynthShape shape{mainGraphs, options.executions, graphSteps, mainMessagesPerChunk};
+    const BenchLog log(dir.file("main.log"));
+    if (!synthesizeLog(tools.logTool, shape, log.path))
+      return false;
+    LogWalk walk;
+    const std::optional<Measured> floor = measureFloor(log.path, walk);
+    if (!floor)
+      return false;
+    const uint64_t logBytes = fs::file_size(log.path);
+    printInput(std::to_string(shape.graphs) + " graphs x " + std::to_string(shape.executions) +
+                   " executions x " + std::to_string(shape.steps) + " steps with sub-events",
+               logBytes, walk, options.runs, options.csvRuns);
+    printTargetHeader();
+    printTarget("floor", *floor, logBytes, *floor);
+    const std::optional<Measured> trace =
+        measureReader(tools.traceLibrary, log.path, "trace.json", options.runs);
+    if (!trace)
+      return false;
+    printTarget("trace reader", *trace, logBytes, *floor);
+    const std::optional<Measured> csv =
+        measureReader(tools.csvLibrary, log.path, "events.csv", options.csvRuns);
+    if (!csv)
+      return false;
+    printTarget("CSV reader", *csv, logBytes, *floor);
+    return true;
+  }
+
+  bool runScaling() {
+    printScalingHeader();
+    for (const uint64_t factor : {10, 100, 1000}) {
+      const uint64_t executions = factor * options.scalingBase;
+      if (!runScalingRow(std::to_string(factor) + "x",
+                         {1, executions, graphSteps, seriesMessagesPerChunk}))
+        return false;
+    }
+    return runScalingRow("wide level",
+                         {1, options.wideExecutions, wideSteps, wideMessagesPerChunk});
+  }
+
+  bool runScalingRow(const std::string& label, const SynthShape& shape) {
+    const BenchLog log(dir.file("scaling.log"));
+    if (!synthesizeLog(tools.logTool, shape, log.path))
+      return false;
+    LogWalk walk;
+    const std::optional<Measured> floor = measureFloor(log.path, walk);
+    const std::optional<Measured> reader =
+        floor ? measureReader(tools.traceLibrary, log.path, "trace.json", options.runs)
+              : std::nullopt;
+    if (!reader)
+      return false;
+    printScalingRow(label, shape.executions, shape.steps, fs::file_size(log.path), walk, *floor,
+                    *reader);
+    return true;
+  }
+
+  // The floor on the log; its walk's counts go to walk.
+  std::optional<Measured> measureFloor(const std::string& logPath, LogWalk& walk) {
+    return measureBest(
+        options.runs,
+        [&](std::string& findings) {
+          const std::optional<LogWalk> walked = walkLog(logPath);
+          if (walked)
+            findings.assign(reinterpret_cast<const char*>(&*walked), sizeof *walked);
+          return walked.has_value();
+        },
+        [&](const std::string& findings) {
+          if (findings.size() == sizeof walk)
+            std::memcpy(&walk, findings.data(), sizeof walk);
+        });
+  }
+
+  std::optional<Measured> measureReader(const std::string& library, const std::string& logPath,
+                                        const std::string& outputName, uint32_t runs) {
+    const std::string output = dir.file(outputName);
+    return measureBest(
+        runs, [&](std::string&) { return runReaderLibrary(library, logPath, output); },
+        [&](const std::string&) {
+          std::error_code ignored;
+          fs::remove(output, ignored); // outside the measurement: a large file takes a while
+        });
+  }
+
+  // The fastest of runs children; none when any of them failed. afterEach sees each run's
+  // findings once the child has ended.
+  std::optional<Measured> measureBest(uint32_t runs, const std::function<bool(std::string&)>& work,
+                                      const std::function<void(const std::string&)>& afterEach) {
+    std::optional<Measured> best;
+    for (uint32_t run = 0; run < runs; ++run) {
+      const ChildMeasurement measurement = measureInChild(work);
+      afterEach(measurement.findings);
+      if (!measurement.succeeded) {
+        std::fprintf(stderr, "kvt-profile-bench: a measured run failed\n");
+        return std::nullopt;
+      }
+      const uint64_t peak = best ? best->peakResidentBytes : 0;
+      if (!best || measurement.seconds < best->seconds)
+        best = Measured{measurement.seconds, measurement.cpuSeconds, 0};
+      best->peakResidentBytes = std::max(peak, measurement.peakResidentBytes);
+    }
+    return best;
+  }
+
+  const BenchOptions& options;
+  const BenchTools& tools;
+  const WorkDir dir;
+};
+
+} // namespace
+
+int runBenchmark(const BenchOptions& options, const BenchTools& tools) {
+  return BenchRun(options, tools).run() ? 0 : 1;
+}
+
+} // namespace kvt::profiling
