@@ -127,55 +127,55 @@ private:
   int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
 
   EventSpec event(int depth) {
-    EventSpec spec;
+    EventSpec described;
     if (pick(0, 5) != 0)
-      spec.identifier = "e" + std::to_string(pick(0, depth == 0 ? 30 : 4));
+      described.identifier = "e" + std::to_string(pick(0, depth == 0 ? 30 : 4));
     const uint32_t types[] = {0, 404, 5001, 7};
-    spec.eventType = types[pick(0, 3)];
+    described.eventType = types[pick(0, 3)];
     switch (pick(0, 6)) {
     case 1:
-      spec.valueType = 1;
-      spec.valueI64 = -pick(0, 1000);
+      described.valueType = 1;
+      described.valueI64 = -pick(0, 1000);
       break;
     case 2:
-      spec.valueType = 3;
-      spec.valueF32 = float(pick(0, 100)) / 4;
+      described.valueType = 3;
+      described.valueF32 = float(pick(0, 100)) / 4;
       break;
     case 3:
-      spec.valueType = 4;
-      spec.valueBytes = std::vector<uint8_t>(size_t(pick(0, 3)), uint8_t(pick(0, 255)));
+      described.valueType = 4;
+      described.valueBytes = std::vector<uint8_t>(size_t(pick(0, 3)), uint8_t(pick(0, 255)));
       break;
     case 4:
-      spec.valueType = 5;
-      spec.valueF64 = pick(0, 100) / 8.0;
+      described.valueType = 5;
+      described.valueF64 = pick(0, 100) / 8.0;
       break;
     case 5:
-      spec.valueType = 9; // unknown: read as value_u64
-      spec.valueU64 = uint64_t(pick(0, 50));
+      described.valueType = 9; // unknown: read as value_u64
+      described.valueU64 = uint64_t(pick(0, 50));
       break;
     default:
-      spec.valueU64 = uint64_t(pick(0, 100000));
+      described.valueU64 = uint64_t(pick(0, 100000));
       break;
     }
     if (pick(0, 1))
-      spec.unit = uint32_t(pick(0, 5));
+      described.unit = uint32_t(pick(0, 5));
     if (pick(0, 3) == 0)
-      spec.message = "m" + std::to_string(pick(0, 3));
-    spec.timestamp = uint64_t(pick(0, 1000));
+      described.message = "m" + std::to_string(pick(0, 3));
+    described.timestamp = uint64_t(pick(0, 1000));
     if (depth < 3 && pick(0, 2) == 0) {
-      spec.children.emplace();
+      described.children.emplace();
       for (int i = pick(0, depth == 0 ? 20 : 4); i > 0; --i)
-        spec.children->push_back(event(depth + 1));
+        described.children->push_back(event(depth + 1));
     }
-    return spec;
+    return described;
   }
 
   EventSpec queueWait() {
-    EventSpec spec;
-    spec.identifier = "queue wait";
-    spec.eventType = 405;
-    spec.valueU64 = uint64_t(pick(1, 400));
-    return spec;
+    EventSpec described;
+    described.identifier = "queue wait";
+    described.eventType = 405;
+    described.valueU64 = uint64_t(pick(1, 400));
+    return described;
   }
 
   void addMessage(ChunkSpec& chunk, int graph, int execution) {
