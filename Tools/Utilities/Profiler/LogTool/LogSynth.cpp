@@ -22,36 +22,12 @@ using flatbuffers::Offset;
 constexpr size_t maxChunkBytes = 64 << 20; // a chunk is closed early once it holds this much
 constexpr uint64_t mebibyte = 1 << 20;
 
-enum Method : int8_t {
-  methodExecute = 1,
-  methodFinalize = 2,
-  methodExecuteWithQueueWait = 3,
-  methodInit = 4,
-  methodDeinit = 5,
-  methodUnnamedTiming = 6,
-  methodComposeGraphs = 7,
-  methodExecuteOverall = 8,
-  methodLibLoad = 10,
-};
-
-// The reader routes 100 to the init figures and 300 to the finalize figures, takes 405 as an
-// execution's queue wait and builds the trace from 404 and 5001 to 5006; the rest are this
-// generator's own codes.
-enum EventType : uint32_t {
-  initEvent = 100,
-  finalizeEvent = 300,
+// This generator's own event types, beside the ones the reader gives a meaning (LogCodes.h).
+enum SynthEventType : uint32_t {
   executeRecord = 400,
-  executionStep = 404,
-  queueWaitEvent = 405,
   deinitEvent = 500,
   overallEvent = 800,
   libLoadEvent = 1000,
-  stepWait = 5001,
-  executionBackground = 5002,
-  waitBackground = 5003,
-  resourceMask = 5004,
-  executionBackgroundItem = 5005,
-  waitBackgroundItem = 5006,
 };
 
 enum Unit : uint32_t { unitUs = 1, unitBytes = 2, unitCount = 4 };
@@ -69,8 +45,8 @@ public:
   // False when a chunk could not be written.
   bool run() {
     if (!addLibLoad() || !addInit() ||
-        !addTimingOnly(methodUnnamedTiming, draw({purposeInit, 9}, 4000, 9000)) ||
-        !addTimingOnly(methodComposeGraphs,
+        !addTimingOnly(MethodType::unnamedTiming, draw({purposeInit, 9}, 4000, 9000)) ||
+        !addTimingOnly(MethodType::composeGraphs,
                        400 + options.graphs * draw({purposeInit, 10}, 150, 400)))
       return false;
     for (uint32_t graph = 0; graph < options.graphs; ++graph)
@@ -95,7 +71,7 @@ private:
   bool addLibLoad() {
     openChunk();
     const uint64_t latencyUs = draw({purposeLibLoad}, 1800, 4200);
-    const SynthMessage message{methodLibLoad, clockUs, clockUs + latencyUs, {}};
+    const SynthMessage message{MethodType::libLoad, clockUs, clockUs + latencyUs, {}};
     const auto table = addMessage(builder, message, [&] {
       const auto event =
           addEvent(builder, {"backend library load", libLoadEvent, latencyUs, unitUs, clockUs});
@@ -113,7 +89,7 @@ private:
     const uint64_t firmwareUs = draw({purposeInit, 2}, 1500, 4000);
     const uint64_t backendInitUs = deviceOpenUs + firmwareUs + draw({purposeInit, 3}, 100, 400);
     const uint64_t modelLoadUs = draw({purposeInit, 4}, 2000, 6000);
-    const SynthMessage message{methodInit,
+    const SynthMessage message{MethodType::init,
                                start,
                                start + backendInitUs + modelLoadUs +
                                    draw({purposeInit, 5}, 200, 800),
@@ -145,7 +121,7 @@ private:
     return commit(table);
   }
 
-  bool addTimingOnly(Method method, uint64_t durationUs) {
+  bool addTimingOnly(MethodType method, uint64_t durationUs) {
     openChunk();
     const SynthMessage message{method, clockUs, clockUs + durationUs, {}};
     const auto table = addMessage(builder, message, [] { return EventVector(); });
@@ -162,7 +138,7 @@ private:
     const uint64_t uploadUs = weightBytes / draw({purposeFinalize, graph, 3}, 800, 1600);
     const uint64_t backendUs = compileUs + uploadUs + draw({purposeFinalize, graph, 4}, 100, 500);
     const uint64_t commandBuffers = 1 + options.steps / draw({purposeFinalize, graph, 5}, 2, 8);
-    const SynthMessage message{methodFinalize, start,
+    const SynthMessage message{MethodType::finalize, start,
                                start + backendUs + draw({purposeFinalize, graph, 6}, 300, 1200),
                                graphNames[graph]};
     const auto table = addMessage(builder, message, [&] {
@@ -230,7 +206,7 @@ private:
         options.queueWait ? draw({purposeExecution, graph, execution, 1}, 5, 400) : 0;
     const uint64_t backendStartUs = start + queueWaitUs;
     const SynthMessage message{
-        options.queueWait ? methodExecuteWithQueueWait : methodExecute, start,
+        options.queueWait ? MethodType::executeWithQueueWait : MethodType::execute, start,
         backendStartUs + stepsUs + draw({purposeExecution, graph, execution, 2}, 15, 60),
         graphNames[graph]};
     const auto table = addMessage(builder, message, [&] {
@@ -270,7 +246,7 @@ private:
     const uint64_t executedUs = options.executions ? lastExecutionEndUs - firstExecutionUs : 0;
     const uint64_t inferences = options.graphs ? options.executions : 0;
     const SynthMessage message{
-        methodExecuteOverall, firstExecutionUs, firstExecutionUs + executedUs, {}};
+        MethodType::executeOverall, firstExecutionUs, firstExecutionUs + executedUs, {}};
     const auto table = addMessage(builder, message, [&] {
       const std::array events = {
           addEvent(builder, {"duration", overallEvent, executedUs, unitUs, firstExecutionUs}),
@@ -287,7 +263,7 @@ private:
     const uint64_t start = clockUs;
     const uint64_t releaseUs = draw({purposeInit, 11}, 300, 1500);
     const SynthMessage message{
-        methodDeinit, start, start + releaseUs + draw({purposeInit, 12}, 100, 400), {}};
+        MethodType::deinit, start, start + releaseUs + draw({purposeInit, 12}, 100, 400), {}};
     const auto table = addMessage(builder, message, [&] {
       const auto event =
           addEvent(builder, {"backend deinit", deinitEvent, releaseUs, unitUs, start}, [&] {

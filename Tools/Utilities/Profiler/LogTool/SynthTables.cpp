@@ -72,7 +72,7 @@ Offset<schema::Message> addMessageTable(FlatBufferBuilder& builder, const SynthM
   using M = schema::Message;
   ParserOrderTable table;
   table.addOffset(M::VT_STAMP, parts.stamp);
-  table.addScalar(M::VT_METHOD_TYPE, message.methodType);
+  table.addScalar(M::VT_METHOD_TYPE, int8_t(message.methodType));
   table.addOffset(M::VT_TIMING, parts.timing);
   table.addScalar(M::VT_VISIBILITY, visibilityAlways);
   table.addOffset(M::VT_EVENTS, events);

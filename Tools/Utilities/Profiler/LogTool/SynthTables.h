@@ -4,6 +4,7 @@
 #pragma once
 
 #include "ProfileLog_generated.h"
+#include "log/LogCodes.h"
 
 #include <array>
 #include <cstdint>
@@ -36,7 +37,7 @@ struct SynthEvent {
 
 // A message whose stamp is its start; graphName empty for messages of the whole run.
 struct SynthMessage {
-  int8_t methodType = 0;
+  MethodType methodType = MethodType::execute;
   uint64_t startUs = 0;
   uint64_t endUs = 0;
   std::string_view graphName;

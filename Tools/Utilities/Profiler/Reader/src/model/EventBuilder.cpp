@@ -2,20 +2,13 @@
 // once it is released.
 #include "EventBuilder.h"
 
+#include "log/LogCodes.h"
+
 #include <bit>
 
 namespace kvt::profiling {
 
 namespace {
-
-// The value types an event may name; any other value, or none, means value_u64.
-enum ValueType : uint32_t {
-  valueTypeI64 = 1,
-  valueTypeU64 = 2,
-  valueTypeF32 = 3,
-  valueTypeBytes = 4,
-  valueTypeF64 = 5,
-};
 
 // The records of a range of event pointers, in its order.
 template <typename Events> EventList buildRecords(const Events& events) {

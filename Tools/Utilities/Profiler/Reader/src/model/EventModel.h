@@ -5,6 +5,7 @@
 #include "EventRecord.h"
 #include "ExecutionEntry.h"
 #include "GraphMap.h"
+#include "log/LogCodes.h"
 
 #include <cstdint>
 #include <vector>
@@ -32,20 +33,6 @@ struct RunningExecutions {
   // Each execution's one queue-wait event, while no execution has lacked it.
   GraphMap<std::vector<uint64_t>> queueWaitByGraph;
   bool queueWaitMissing = false; // some execution had no queue-wait event, or several
-};
-
-// The message types of the log, as the dispatch routes them.
-enum class MethodType : int8_t {
-  execute = 1,
-  finalize = 2,
-  executeWithQueueWait = 3,
-  init = 4,
-  deinit = 5,
-  unnamedTiming = 6,
-  composeGraphs = 7,
-  executeOverall = 8,
-  executeCombined = 9,
-  libLoad = 10,
 };
 
 struct EventModel {

@@ -14,11 +14,6 @@ namespace kvt::profiling {
 
 namespace {
 
-// Event types that graph messages file apart from the graph's own events.
-constexpr uint32_t initEventType = 100;      // belongs to the init step
-constexpr uint32_t finalizeEventType = 300;  // belongs to the finalize step of a combined message
-constexpr uint32_t queueWaitEventType = 405; // the time an execution waited in the queue
-
 // What a graph message is: it decides where its events and timing are filed.
 enum class GraphStep {
   execute,  // types 1 and 3: every event but init ones goes to the execution
@@ -91,10 +86,10 @@ RoutedEvents routeEvents(GraphStep step, const schema::Message& message) {
     return routed;
   for (const schema::Event* event : *events) {
     const uint32_t eventType = event->event_type();
-    if (eventType == initEventType)
+    if (eventType == initEvent)
       routed.init.push_back(event);
     else if (step == GraphStep::finalize ||
-             (step == GraphStep::combined && eventType == finalizeEventType))
+             (step == GraphStep::combined && eventType == finalizeEvent))
       routed.finalize.push_back(event);
     else
       routed.execution.push_back(event);
@@ -108,7 +103,7 @@ std::optional<uint64_t> findSingleQueueWait(std::span<const schema::Event* const
   size_t seen = 0;
   uint64_t payload = 0;
   auto visit = [&](const schema::Event& event) {
-    if (event.event_type() == queueWaitEventType) {
+    if (event.event_type() == queueWaitEvent) {
       ++seen;
       payload = readTaggedValue(event).payload;
     }

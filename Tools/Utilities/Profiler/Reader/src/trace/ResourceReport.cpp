@@ -1,7 +1,7 @@
 // The trace reader's back-end report.
 #include "ResourceReport.h"
 
-#include "StepEventTypes.h"
+#include "log/LogCodes.h"
 #include "text/Units.h"
 
 #include <iomanip>

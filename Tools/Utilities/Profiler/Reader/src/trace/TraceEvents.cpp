@@ -1,7 +1,7 @@
 // Execution steps into trace spans.
 #include "TraceEvents.h"
 
-#include "StepEventTypes.h"
+#include "log/LogCodes.h"
 #include "plugin/Logging.h"
 #include "trace/ResourceReport.h"
 
