@@ -18,7 +18,8 @@ void addViewerOptions(CLI::App& app, ViewerOptions& options) {
       "kvt-profile-viewer: reads a profiling log with a reader library loaded at run time and\n"
       "writes the reader's outputs. The standard output carries only what the library prints\n"
       "(parse warnings, then the statistics summary); the viewer's own messages and the library's\n"
-      "reports go to the standard error.\n");
+      "reports go to the standard error. When that is a terminal and reading the log takes\n"
+      "longer than a second, a progress line shows there until the log is read.\n");
   app.footer(
       "A value may also follow '=', as in --input=LOG.\n"
       "\n"
