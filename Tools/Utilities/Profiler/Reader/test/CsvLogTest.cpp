@@ -244,7 +244,7 @@ TEST(CsvOutputs, RowsWithoutTemporarySpaceGiveNoFile) {
   const TempDir dir;
   MessageSpec execution;
   execution.methodType = 1;
-  execution.graphName = "g";
+  execution.graphName.emplace("g");
   execution.timing = TimingSpec{0, 10};
   execution.events = std::vector<EventSpec>(4);
   ChunkSpec chunk;
