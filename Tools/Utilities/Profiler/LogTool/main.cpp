@@ -1,4 +1,5 @@
 // kvt-profile-log: looks inside, builds and synthesises profiling logs.
+#include "AnalysisCommands.h"
 #include "RunToolCommand.h"
 #include "ToolOptions.h"
 
@@ -18,7 +19,8 @@ int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false); // a dump can be gigabytes of text
   const std::vector<std::string_view> args(argv + 1, argv + argc);
   ToolConsole console{std::cout, std::cerr, isatty(2) != 0};
-  const int exitCode = runToolCommand(parseToolOptions(args), console);
+  const int exitCode = isAnalysisCommand(args) ? runAnalysisCommand(args, console)
+                                               : runToolCommand(parseToolOptions(args), console);
   std::cout.flush();
   return std::cout ? exitCode : exitBadInput;
 }

@@ -1,0 +1,20 @@
+// kvt-profile-log stats: the statistics of every graph's executions in one log.
+#pragma once
+
+#include "ToolConsole.h"
+
+#include <CLI/CLI.hpp>
+
+namespace kvt::profiling {
+
+// Adds the stats command to app; once parsed, it runs and leaves its exit status in exitCode:
+// 0 done, 1 the log cannot be read.
+void addStatsCommand(CLI::App& app, ToolConsole& console, int& exitCode);
+
+// The bound on memory that both statistics commands state in their help.
+inline constexpr const char* statisticsMemoryNote =
+    "Memory: one chunk of the log, plus 8 bytes per value kept: each counted execution keeps its\n"
+    "duration, its queue wait, each top-level back-end record's value and each step's span and\n"
+    "wait, nothing else.";
+
+} // namespace kvt::profiling
