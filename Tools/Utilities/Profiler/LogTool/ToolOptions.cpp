@@ -11,15 +11,18 @@ namespace {
 
 constexpr std::string_view overviewUsage =
     "usage: kvt-profile-log COMMAND [OPTIONS]\n"
-    "Looks inside, builds and synthesises profiling logs.\n"
+    "Looks inside, builds, synthesises and measures profiling logs.\n"
     "\n"
     "commands:\n"
     "  dump LOG                prints the chunks of LOG as one JSON document\n"
     "  build IN.json -o LOG    writes the chunks of a dump document as the log LOG\n"
     "  synth -o LOG [OPTIONS]  writes a deterministic log of a whole run\n"
+    "  stats LOG [OPTIONS]     prints each graph's statistics: percentiles per step\n"
+    "  compare BASE NEW        tells which steps got slower or faster, beyond noise\n"
     "\n"
     "'kvt-profile-log COMMAND --help' describes a command.\n"
-    "Exit status: 0 done, 1 bad input or unwritable output, 2 wrong command line.\n";
+    "Exit status: 0 done, 1 bad input or unwritable output, 2 wrong command line, 3 compare\n"
+    "found a series slower.\n";
 
 constexpr std::string_view dumpUsage =
     "usage: kvt-profile-log dump LOG\n"
