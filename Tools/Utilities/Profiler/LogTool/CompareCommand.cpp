@@ -54,13 +54,11 @@ void addCompareCommand(CLI::App& app, ToolConsole& console, int& exitCode) {
       ->add_option("--threshold", options->thresholdPercent,
                    "the change of the median, in percent, below which a series is the same "
                    "(default 5)")
-      ->check(CLI::Validator(
-          [](const std::string& text) {
-            return text.starts_with('-') ? "the threshold must be 0 or more" : std::string();
-          },
-          "PCT"));
-  command->add_option("--skip-first", options->skipFirst,
-                      "leave each graph's first N executions out of both runs");
+      ->check(nonNegative());
+  command
+      ->add_option("--skip-first", options->skipFirst,
+                   "leave each graph's first N executions out of both runs")
+      ->check(nonNegative());
   command->add_option("--format", options->format, "table (default) or json")
       ->check(CLI::IsMember({"table", "json"}));
   command->footer(

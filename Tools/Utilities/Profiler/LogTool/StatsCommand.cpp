@@ -52,8 +52,10 @@ void addStatsCommand(CLI::App& app, ToolConsole& console, int& exitCode) {
       ->add_option("--visibility", options->visibility,
                    "keep messages whose level is below N (default 127)")
       ->check(CLI::Range(-128, 127));
-  command->add_option("--skip-first", options->skipFirst,
-                      "leave each graph's first N executions out of every figure but first");
+  command
+      ->add_option("--skip-first", options->skipFirst,
+                   "leave each graph's first N executions out of every figure but first")
+      ->check(nonNegative());
   command->add_option("--format", options->format, "table (default), csv or json")
       ->check(CLI::IsMember({"table", "csv", "json"}));
   command->add_option("--sort", options->order, "table rows by share (default), order or name")
@@ -62,7 +64,8 @@ void addStatsCommand(CLI::App& app, ToolConsole& console, int& exitCode) {
               {"share", StepOrder::share}, {"order", StepOrder::order}, {"name", StepOrder::name}},
           CLI::ignore_case))
       ->option_text("share|order|name");
-  command->add_option("--top", options->top, "keep the first K table rows of each graph");
+  command->add_option("--top", options->top, "keep the first K table rows of each graph")
+      ->check(nonNegative());
   command->add_option("--graph", options->graph, "report only the graph NAME");
   command->footer(
       "Columns of the table: count of values, mean, nearest-rank p50/p90/p99 (the value at rank\n"

@@ -11,6 +11,15 @@ namespace kvt::profiling {
 // 0 done, 1 the log cannot be read.
 void addStatsCommand(CLI::App& app, ToolConsole& console, int& exitCode);
 
+// Refuses a negative number, which CLI11 would otherwise wrap into a huge unsigned one.
+inline CLI::Validator nonNegative() {
+  return CLI::Validator(
+      [](const std::string& text) {
+        return text.starts_with('-') ? "must be 0 or more" : std::string();
+      },
+      "");
+}
+
 // The bound on memory that both statistics commands state in their help.
 inline constexpr const char* statisticsMemoryNote =
     "Memory: one chunk of the log, plus 8 bytes per value kept: each counted execution keeps its\n"

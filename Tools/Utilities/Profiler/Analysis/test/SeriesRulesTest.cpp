@@ -42,10 +42,14 @@ TEST(SeriesRules, RankTestGivesTheNormalApproximationsPValue) {
   };
   const Case cases[] = {
       {"separated triples: U = 0, z = 1.746", {1, 2, 3}, {4, 5, 6}, 0.0808556},
-      {"separated tens", {1, 2, 3, 4, 5, 6, 7, 8, 9, 10},
-       {11, 12, 13, 14, 15, 16, 17, 18, 19, 20}, 0.000182672},
-      {"overlapping fives, 30 % apart", {800, 900, 1000, 1200, 1400},
-       {1040, 1170, 1300, 1560, 1820}, 0.143672},
+      {"separated tens",
+       {1, 2, 3, 4, 5, 6, 7, 8, 9, 10},
+       {11, 12, 13, 14, 15, 16, 17, 18, 19, 20},
+       0.000182672},
+      {"overlapping fives, 30 % apart",
+       {800, 900, 1000, 1200, 1400},
+       {1040, 1170, 1300, 1560, 1820},
+       0.143672},
       {"ties across the samples shrink the variance", {1, 2, 2, 3}, {2, 3, 3, 4}, 0.172034},
       {"identical samples", {1, 2, 3, 4}, {1, 2, 3, 4}, 1},
       {"all values equal: no variance, no evidence", {5, 5, 5}, {5, 5}, 1},
