@@ -19,8 +19,9 @@ struct StatisticsOptions {
 
 // Reads the log at path into run. False when the file cannot be opened or a chunk is invalid,
 // with the reader's own report to the log facility; run is then left as it was. Memory: one
-// chunk and 8 bytes per value kept (each counted execution keeps its duration, its queue wait,
-// each top-level record's value and each step's span and wait).
+// chunk and 8 bytes per value kept, up to twice that while a series grows (each counted
+// execution keeps its duration, its queue wait, each top-level record's value and each step's
+// span and wait).
 bool readRunStatistics(const std::string& path, const StatisticsOptions& options,
                        RunStatistics& run);
 

@@ -22,7 +22,7 @@ std::string formatPercent(std::optional<double> value) {
   return value ? formatFixed(*value, 1) : "-";
 }
 
-std::string writeHeaderLine(const GraphStatistics& graph) {
+std::string formatHeaderLine(const GraphStatistics& graph) {
   const SeriesSummary duration = summarizeSeries(graph.duration.values, {});
   std::string line = graph.name + ": " + std::to_string(duration.count) + " executions counted, " +
                      std::to_string(graph.skipped) + " skipped; duration p50 " +
@@ -56,7 +56,7 @@ std::vector<size_t> orderSteps(const GraphStatistics& graph,
 }
 
 void writeGraph(std::ostream& out, const GraphStatistics& graph, const StatsTableOptions& options) {
-  out << writeHeaderLine(graph) << '\n';
+  out << formatHeaderLine(graph) << '\n';
   if (graph.steps.empty()) {
     out << "  no execution steps\n";
     return;

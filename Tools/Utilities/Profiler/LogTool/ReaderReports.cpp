@@ -13,9 +13,9 @@ namespace {
 
 void printReport(const char* format, uint32_t /*level*/, uint64_t /*timestampNs*/,
                  va_list arguments) {
-  char text[1024];
-  std::vsnprintf(text, sizeof text, format, arguments);
-  std::fprintf(stderr, "kvt-profile-log: error: %s\n", text);
+  std::fputs("kvt-profile-log: error: ", stderr);
+  std::vfprintf(stderr, format, arguments);
+  std::fputc('\n', stderr);
 }
 
 } // namespace

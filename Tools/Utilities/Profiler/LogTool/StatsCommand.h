@@ -22,8 +22,8 @@ inline CLI::Validator nonNegative() {
 
 // The bound on memory that both statistics commands state in their help.
 inline constexpr const char* statisticsMemoryNote =
-    "Memory: one chunk of the log, plus 8 bytes per value kept: each counted execution keeps its\n"
-    "duration, its queue wait, each top-level back-end record's value and each step's span and\n"
-    "wait, nothing else.";
+    "Memory: one chunk of the log, plus 8 bytes per value kept (up to twice that while a series\n"
+    "grows): each counted execution keeps its duration, its queue wait, each top-level back-end\n"
+    "record's value and each step's span and wait, nothing else.";
 
 } // namespace kvt::profiling
