@@ -78,19 +78,13 @@ void sortValues(Series& series) {
 
 } // namespace
 
-StatisticsCollector::GraphState& StatisticsCollector::getOrCreateGraph(std::string_view name) {
-  if (const auto it = graphByName.find(name); it != graphByName.end())
-    return graphs[it->second];
-  graphs.emplace_back().statistics.name = name;
-  graphByName.emplace(std::string(name), graphs.size() - 1);
-  return graphs.back();
-}
-
 void StatisticsCollector::add(const DispatchedExecution& execution) {
   if (onlyGraph && execution.graph != *onlyGraph)
     return;
-  GraphState& state = getOrCreateGraph(execution.graph);
+  GraphState& state = graphs.getOrCreate(execution.graph);
   GraphStatistics& graph = state.statistics;
+  if (graph.executions == 0)
+    graph.name = execution.graph;
   const ExecutionPlace place{graph.executions >= skipFirst, graph.executions == 0};
   ++graph.executions;
   if (!place.counted)
@@ -111,7 +105,7 @@ void StatisticsCollector::add(const DispatchedExecution& execution) {
 
 RunStatistics StatisticsCollector::take() && {
   RunStatistics run;
-  for (GraphState& state : graphs) {
+  for (auto& [name, state] : graphs) {
     GraphStatistics& graph = state.statistics;
     sortValues(graph.duration);
     sortValues(graph.queueWait);

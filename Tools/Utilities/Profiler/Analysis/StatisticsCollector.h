@@ -4,11 +4,10 @@
 #include "OccurrenceIndex.h"
 #include "RunStatistics.h"
 #include "model/ExecutionSeam.h"
+#include "model/GraphMap.h"
 
 #include <optional>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 
 namespace kvt::profiling {
 
@@ -29,17 +28,9 @@ private:
     OccurrenceIndex backendIndex;
     OccurrenceIndex stepIndex;
   };
-  struct Hash {
-    using is_transparent = void;
-    size_t operator()(std::string_view key) const { return std::hash<std::string_view>{}(key); }
-  };
-
-  GraphState& getOrCreateGraph(std::string_view name);
-
   uint64_t skipFirst = 0;
   std::optional<std::string> onlyGraph;
-  std::vector<GraphState> graphs;
-  std::unordered_map<std::string, size_t, Hash, std::equal_to<>> graphByName;
+  GraphMap<GraphState> graphs;
 };
 
 } // namespace kvt::profiling
