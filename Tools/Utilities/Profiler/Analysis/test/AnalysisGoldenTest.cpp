@@ -1,7 +1,7 @@
 // Runs the commands of every case folder of golden/ through the log tool, on the logs built from
 // the folder's JSON, and compares what they print byte for byte with the expected files beside
 // them. KVT_UPDATE_GOLDEN=1 rewrites the expected files instead; review their diff.
-#include "AnalysisCommands.h"
+#include "RunToolCommand.h"
 
 #include <gtest/gtest.h>
 
@@ -68,11 +68,10 @@ TEST_P(AnalysisGolden, PrintsExpectedReports) {
     ASSERT_NE(colon, std::string::npos) << "no 'OUTPUT: ARGS' in " << line;
     const std::string output = line.substr(0, colon);
     const std::vector<std::string> arguments = readArguments(line.substr(colon + 1), GetParam());
-    const std::vector<std::string_view> views(arguments.begin(), arguments.end());
     std::ostringstream out;
     std::ostringstream err;
     ToolConsole console{out, err, false};
-    const int exitCode = runAnalysisCommand(views, console);
+    const int exitCode = runToolCommand(arguments, console);
     compareOrUpdate(caseDir / (output + ".out"), withPlaceholder(out.str()));
     results += output + ": exit " + std::to_string(exitCode) + "\n" + withPlaceholder(err.str());
   }
