@@ -10,9 +10,10 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
   app.description(
       "Synthesises profiling logs with kvt-profile-log and measures, each run in a process of its\n"
       "own: the floor (every chunk read and verified, every field read once), the trace reader\n"
-      "and the CSV reader, loaded from their shared libraries as the viewer loads them; then both\n"
-      "readers on one graph with 10x, 100x and 1000x the executions, and the trace reader on one\n"
-      "step level of 10,000 distinct identifiers. The figures go to the standard output.\n");
+      "and the CSV reader, loaded from their shared libraries as the viewer loads them, and the\n"
+      "statistics pass of kvt-profile-log stats; then both readers on one graph with 10x, 100x\n"
+      "and 1000x the executions, and the trace reader on one step level of 10,000 distinct\n"
+      "identifiers. The figures go to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",

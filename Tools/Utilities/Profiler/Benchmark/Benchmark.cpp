@@ -7,6 +7,8 @@
 #include "FloorWalk.h"
 #include "LogSynthesis.h"
 #include "ReaderHost.h"
+#include "StatisticsPass.h"
+#include "StatsReport.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -14,6 +16,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <sstream>
 
 #include <unistd.h>
 
@@ -100,6 +103,10 @@ private:
     if (!trace)
       return false;
     printTarget("trace reader", *trace, logBytes, *floor);
+    const std::optional<Measured> stats = measureStatistics(log.path);
+    if (!stats)
+      return false;
+    printTarget("stats", *stats, logBytes, *floor);
     const std::optional<Measured> csv =
         measureReader(tools.csvLibrary, log.path, "events.csv", options.csvRuns);
     if (!csv)
@@ -168,6 +175,21 @@ private:
           std::error_code ignored;
           fs::remove(output, ignored); // outside the measurement: a large file takes a while
         });
+  }
+
+  // kvt-profile-log stats as the tool runs it: the pass and the table, which is discarded.
+  std::optional<Measured> measureStatistics(const std::string& logPath) {
+    return measureBest(
+        options.runs,
+        [&](std::string&) {
+          RunStatistics run;
+          if (!readRunStatistics(logPath, {}, run))
+            return false;
+          std::ostringstream discarded;
+          writeStatsTable(discarded, run, {});
+          return true;
+        },
+        [](const std::string&) {});
   }
 
   // The fastest of runs children; none when any of them failed. afterEach sees each run's

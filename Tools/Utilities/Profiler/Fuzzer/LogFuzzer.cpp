@@ -1,5 +1,9 @@
 // Feeds arbitrary bytes to both readers as a log file: parse, then every output into a
-// scratch directory. Any crash, leak, hang or runaway allocation is a finding.
+// scratch directory; then the statistics pass and every statistics report. Any crash, leak, hang
+// or runaway allocation is a finding.
+#include "CompareReport.h"
+#include "StatisticsPass.h"
+#include "StatsReport.h"
 #include "plugin/KvtProfileLogReader.h"
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
@@ -56,6 +60,20 @@ bool claimsLittlePadding(const uint8_t* data, size_t size) {
   return true;
 }
 
+// The statistics of the log, every report of them, and its comparison with itself.
+void runStatistics(const std::string& logPath) {
+  RunStatistics run;
+  if (!readRunStatistics(logPath, {VisibilityLevel::keepAll, 1, {}}, run))
+    return;
+  std::ostringstream discarded;
+  writeStatsTable(discarded, run, {StepOrder::name, 3});
+  writeStatsJson(discarded, run, logPath, 1);
+  writeStatsCsv(discarded, run);
+  const Comparison comparison = compareRuns(run, run, 5);
+  writeComparisonTable(discarded, comparison);
+  writeComparisonJson(discarded, comparison, logPath, logPath, 5);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -73,6 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   runReader(traceReader, (scratchDir() / "trace.json").string());
   KvtProfileLogReader csvReader(logPath, VisibilityLevel::keepAll);
   runReader(csvReader, (scratchDir() / "events.csv").string());
+  runStatistics(logPath);
 
   std::cout.rdbuf(standardOutput);
   return 0;

@@ -17,5 +17,7 @@ struct CommandRun {
 void addDumpCommand(CLI::App& tool, CommandRun& run);
 void addBuildCommand(CLI::App& tool, CommandRun& run);
 void addSynthCommand(CLI::App& tool, CommandRun& run);
+void addStatsCommand(CLI::App& tool, CommandRun& run);
+void addCompareCommand(CLI::App& tool, CommandRun& run);
 
 } // namespace kvt::profiling

@@ -1,4 +1,4 @@
-// kvt-profile-log: looks inside, builds and synthesises profiling logs.
+// kvt-profile-log: looks inside, builds, synthesises and measures profiling logs.
 #include "ProgressLine.h"
 #include "RunToolCommand.h"
 

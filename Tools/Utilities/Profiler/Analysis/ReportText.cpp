@@ -1,0 +1,90 @@
+// The shared text pieces of the statistics reports. Doubles go through to_chars, which does not
+// depend on the locale.
+#include "ReportText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+
+namespace kvt::profiling {
+
+void writeJsonString(std::ostream& out, std::string_view text) {
+  out << '"';
+  for (const char c : text) {
+    if (c == '"' || c == '\\') {
+      out << '\\' << c;
+    } else if (static_cast<unsigned char>(c) < 0x20) {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
+      out << escaped;
+    } else {
+      out << c;
+    }
+  }
+  out << '"';
+}
+
+std::string formatFixed(std::optional<double> value, int decimals) {
+  if (!value)
+    return "null";
+  char text[64];
+  const auto result =
+      std::to_chars(text, text + sizeof text, *value, std::chars_format::fixed, decimals);
+  return std::string(text, result.ptr);
+}
+
+std::string formatOptional(std::optional<uint64_t> value) {
+  return value ? std::to_string(*value) : "null";
+}
+
+void writeSummaryJson(std::ostream& out, const SeriesSummary& summary) {
+  const bool any = summary.count > 0;
+  auto figure = [any](uint64_t value) {
+    return formatOptional(any ? std::optional(value) : std::nullopt);
+  };
+  auto real = [any](double value) {
+    return formatFixed(any ? std::optional(value) : std::nullopt);
+  };
+  out << "{\"count\": " << summary.count << ", \"mean\": " << real(summary.mean)
+      << ", \"stddev\": " << real(summary.stddev) << ", \"min\": " << figure(summary.min)
+      << ", \"p50\": " << figure(summary.p50) << ", \"p90\": " << figure(summary.p90)
+      << ", \"p99\": " << figure(summary.p99) << ", \"max\": " << figure(summary.max)
+      << ", \"first\": " << formatOptional(summary.first) << '}';
+}
+
+std::string formatCsvField(std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos)
+    return std::string(text);
+  std::string quoted = "\"";
+  for (const char c : text) {
+    quoted += c;
+    if (c == '"')
+      quoted += '"';
+  }
+  return quoted + '"';
+}
+
+void writeAlignedRows(std::ostream& out, const std::vector<std::vector<std::string>>& rows,
+                      size_t leftAligned, std::string_view indent) {
+  std::vector<size_t> widths;
+  for (const std::vector<std::string>& row : rows) {
+    widths.resize(std::max(widths.size(), row.size()));
+    for (size_t column = 0; column < row.size(); ++column)
+      widths[column] = std::max(widths[column], row[column].size());
+  }
+  for (const std::vector<std::string>& row : rows) {
+    std::string line(indent);
+    for (size_t column = 0; column < row.size(); ++column) {
+      const std::string& cell = row[column];
+      const bool last = column + 1 == row.size();
+      const std::string padding(last ? 0 : widths[column] - cell.size(), ' ');
+      if (column > 0)
+        line += "  ";
+      line += column < leftAligned ? cell + padding : padding + cell;
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    out << line << '\n';
+  }
+}
+
+} // namespace kvt::profiling

@@ -1,0 +1,38 @@
+// Small text pieces the statistics reports share: JSON strings and numbers, CSV fields, and
+// tables whose columns line up.
+#pragma once
+
+#include "SeriesSummary.h"
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kvt::profiling {
+
+// text as a JSON string, quoted, with quotes, backslashes and control characters escaped.
+void writeJsonString(std::ostream& out, std::string_view text);
+
+// A double with three decimals, "2500.333"; "null" when there is none.
+std::string formatFixed(std::optional<double> value, int decimals = 3);
+
+// A number or "null".
+std::string formatOptional(std::optional<uint64_t> value);
+
+// {"count": N, "mean": ..., "stddev": ..., "min": ..., "p50": ..., "p90": ..., "p99": ...,
+// "max": ..., "first": ...} on one line; every figure but count and first is null when count
+// is 0.
+void writeSummaryJson(std::ostream& out, const SeriesSummary& summary);
+
+// text as a CSV field: quoted, with quotes doubled, when it holds a comma, quote or line break.
+std::string formatCsvField(std::string_view text);
+
+// The rows (the first is the header) as columns padded to their widest cell, two blanks apart,
+// each line opened by indent. The first leftAligned columns are aligned left, the others right;
+// the last column is never padded, so it may hold text of any width.
+void writeAlignedRows(std::ostream& out, const std::vector<std::vector<std::string>>& rows,
+                      size_t leftAligned, std::string_view indent);
+
+} // namespace kvt::profiling

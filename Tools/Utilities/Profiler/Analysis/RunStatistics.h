@@ -1,0 +1,64 @@
+// What a statistics pass keeps of a log: per graph, the values of every series of its
+// executions, and nothing else per execution.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kvt::profiling {
+
+// The values of one figure over a graph's counted executions (8 bytes each), sorted ascending
+// once the pass is over, and its value in the graph's very first execution.
+struct Series {
+  std::vector<uint64_t> values;
+  std::optional<uint64_t> first;
+};
+
+// A top-level back-end record of an execution: the occurrence-th record of its identifier in one
+// execution, from 0.
+struct BackendSeries {
+  std::string name;
+  uint64_t occurrence = 0;
+  Series value;
+};
+
+// An execution step (event type 404) under a top-level record named parent: the occurrence-th
+// step of that name under that parent name in one execution, from 0. wait holds the value of the
+// step's last wait child (event type 5001) in the executions where it had one.
+struct StepSeries {
+  std::string name;
+  std::string parent;
+  uint64_t occurrence = 0;
+  Series span;
+  Series wait;
+};
+
+struct GraphStatistics {
+  std::string name;
+  uint64_t executions = 0; // every execution of the graph, counted or skipped
+  uint64_t skipped = 0;    // the first ones, left out of every series' values
+  Series duration;
+  Series queueWait;
+  bool queueWaitInEveryExecution = true; // false once a counted execution had none, or several
+  std::vector<BackendSeries> backend;    // in order of first appearance
+  std::vector<StepSeries> steps;         // in order of first appearance
+};
+
+struct RunStatistics {
+  std::vector<GraphStatistics> graphs; // in order of first appearance
+};
+
+// Whether some execution, counted or the first, gave the series a value.
+inline bool hasValues(const Series& series) {
+  return series.first || !series.values.empty();
+}
+
+// Whether the graph's queue waits are a series to report: every counted execution had exactly
+// one, and some execution had one at all.
+inline bool hasQueueWaitSeries(const GraphStatistics& graph) {
+  return graph.queueWaitInEveryExecution && hasValues(graph.queueWait);
+}
+
+} // namespace kvt::profiling

@@ -1,0 +1,123 @@
+// One execution at a time: its duration, its queue wait, each top-level record's value and each
+// step's span and wait go to their series; the execution itself is not kept.
+#include "StatisticsCollector.h"
+
+#include "log/LogCodes.h"
+#include "model/EventBuilder.h"
+
+#include <algorithm>
+
+namespace kvt::profiling {
+
+namespace {
+
+// Where one execution's values go: a skipped execution gives only first values.
+struct ExecutionPlace {
+  bool counted = false;
+  bool first = false;
+
+  void record(Series& series, uint64_t value) const {
+    if (first)
+      series.first = value;
+    if (counted)
+      series.values.push_back(value);
+  }
+};
+
+uint64_t readValue(const schema::Event& event) {
+  return readTaggedValue(event).payload;
+}
+
+// The value of the step's last wait child, as the trace takes it; none without one.
+std::optional<uint64_t> findLastWait(const schema::Event& step) {
+  std::optional<uint64_t> wait;
+  if (const EventVector* children = step.child_events())
+    for (const schema::Event* child : *children)
+      if (child->event_type() == stepWait)
+        wait = readValue(*child);
+  return wait;
+}
+
+void recordBackend(GraphStatistics& graph, OccurrenceIndex& index, const schema::Event& record,
+                   const ExecutionPlace& place) {
+  const std::string_view name = readIdentifier(record);
+  const OccurrenceIndex::Slot slot = index.next({}, name);
+  if (slot.series == OccurrenceIndex::noSeries) {
+    slot.series = graph.backend.size();
+    graph.backend.push_back(BackendSeries{std::string(name), slot.occurrence, {}});
+  }
+  place.record(graph.backend[slot.series].value, readValue(record));
+}
+
+void recordSteps(GraphStatistics& graph, OccurrenceIndex& index, const schema::Event& record,
+                 const ExecutionPlace& place) {
+  const EventVector* children = record.child_events();
+  if (!children)
+    return;
+  const std::string_view parent = readIdentifier(record);
+  for (const schema::Event* child : *children) {
+    if (child->event_type() != executionStep)
+      continue;
+    const std::string_view name = readIdentifier(*child);
+    const OccurrenceIndex::Slot slot = index.next(parent, name);
+    if (slot.series == OccurrenceIndex::noSeries) {
+      slot.series = graph.steps.size();
+      graph.steps.push_back(
+          StepSeries{std::string(name), std::string(parent), slot.occurrence, {}, {}});
+    }
+    StepSeries& step = graph.steps[slot.series];
+    place.record(step.span, readValue(*child));
+    if (const std::optional<uint64_t> wait = findLastWait(*child))
+      place.record(step.wait, *wait);
+  }
+}
+
+void sortValues(Series& series) {
+  std::sort(series.values.begin(), series.values.end());
+}
+
+} // namespace
+
+void StatisticsCollector::add(const DispatchedExecution& execution) {
+  if (onlyGraph && execution.graph != *onlyGraph)
+    return;
+  GraphState& state = graphs.getOrCreate(execution.graph);
+  GraphStatistics& graph = state.statistics;
+  if (graph.executions == 0)
+    graph.name = execution.graph;
+  const ExecutionPlace place{graph.executions >= skipFirst, graph.executions == 0};
+  ++graph.executions;
+  if (!place.counted)
+    ++graph.skipped;
+  place.record(graph.duration, execution.duration);
+  if (const std::optional<uint64_t> queueWait = findSingleQueueWait(execution.events))
+    place.record(graph.queueWait, *queueWait);
+  else if (place.counted)
+    graph.queueWaitInEveryExecution = false;
+
+  state.backendIndex.startExecution();
+  state.stepIndex.startExecution();
+  for (const schema::Event* record : execution.events) {
+    recordBackend(graph, state.backendIndex, *record, place);
+    recordSteps(graph, state.stepIndex, *record, place);
+  }
+}
+
+RunStatistics StatisticsCollector::take() && {
+  RunStatistics run;
+  for (auto& [name, state] : graphs) {
+    GraphStatistics& graph = state.statistics;
+    sortValues(graph.duration);
+    sortValues(graph.queueWait);
+    for (BackendSeries& record : graph.backend)
+      sortValues(record.value);
+    for (StepSeries& step : graph.steps) {
+      sortValues(step.span);
+      sortValues(step.wait);
+    }
+    run.graphs.push_back(std::move(graph));
+  }
+  return run;
+}
+
+} // namespace kvt::profiling

@@ -1,0 +1,28 @@
+// The pass attaches only its own consumer to the dispatch: the model the dispatch files the
+// other messages into is thrown away, and no execution is kept or averaged.
+#include "StatisticsPass.h"
+
+#include "StatisticsCollector.h"
+#include "log/ParseDriver.h"
+#include "model/MethodDispatch.h"
+
+namespace kvt::profiling {
+
+bool readRunStatistics(const std::string& path, const StatisticsOptions& options,
+                       RunStatistics& run) {
+  StatisticsCollector collector(options.skipFirst, options.graph);
+  const ExecutionConsumers consumers{
+      [&collector](const DispatchedExecution& execution) { collector.add(execution); }};
+  EventModel model;
+  FlatBufferReaderUtil streamReader;
+  const bool complete = readLogChunks(path, streamReader, [&] {
+    while (const schema::Message* message = streamReader.nextMessage())
+      dispatchMessage(model, consumers, options.visibilityLevel, *message);
+  });
+  if (!complete)
+    return false;
+  run = std::move(collector).take();
+  return true;
+}
+
+} // namespace kvt::profiling
