@@ -38,6 +38,13 @@ Drained drain(const std::string& path) {
   return result;
 }
 
+// A chunk of the log writer whose size prefix claims size bytes instead.
+std::vector<uint8_t> withSizePrefix(uint32_t size, std::vector<uint8_t> chunk) {
+  for (size_t i = 0; i < 4; ++i)
+    chunk[i] = uint8_t(size >> (8 * i));
+  return chunk;
+}
+
 std::vector<uint8_t> twoChunks() {
   const ChunkSpec chunks[] = {composeChunk(1), composeChunk(2)};
   return buildLog(chunks);
@@ -53,6 +60,7 @@ TEST(ChunkReader, ReadsFramedChunks) {
   };
   const std::vector<uint8_t> log = twoChunks();
   const size_t firstChunkBytes = buildChunk(composeChunk(1)).size();
+  const std::vector<uint8_t> composeChunk3 = buildChunk(composeChunk(3));
   auto withTail = [&](std::vector<uint8_t> tail) {
     std::vector<uint8_t> bytes = log;
     bytes.insert(bytes.end(), tail.begin(), tail.end());
@@ -64,13 +72,26 @@ TEST(ChunkReader, ReadsFramedChunks) {
       {"two chunks", log, true, {1, 2}, false},
       {"two chunks and three trailing bytes", withTail({1, 2, 3}), true, {1, 2}, false},
       {"a 4 GiB size prefix after the chunks",
-       withTail({0xFF, 0xFF, 0xFF, 0xFF, 1}),
+       withTail(withSizePrefix(0xFFFFFFFF, composeChunk3)),
        false,
        {1, 2},
        true},
+      {"a size prefix of the verifier's largest buffer over a valid chunk",
+       withSizePrefix(ChunkLimits::maxBytes, composeChunk3),
+       false,
+       {},
+       true},
       // A chunk cut short is zero-padded and verified as it stands: zeros may well verify.
-      {"a 2 GiB size prefix over zeros", {0xFE, 0xFF, 0xFF, 0x7F, 0}, false, {}, true},
-      {"a 2 GiB size prefix over an empty root", {0xFE, 0xFF, 0xFF, 0x7F, 0x10}, true, {}, false},
+      {"one byte less over zeros",
+       withSizePrefix(ChunkLimits::maxBytes - 1, std::vector<uint8_t>(8, 0)),
+       false,
+       {},
+       true},
+      {"one byte less over a chunk without messages",
+       withSizePrefix(ChunkLimits::maxBytes - 1, buildChunk(ChunkSpec{})),
+       true,
+       {},
+       false},
       {"a zero size prefix", {0, 0, 0, 0}, false, {}, true},
       {"second chunk cut in its last field",
        std::vector<uint8_t>(log.begin(), log.end() - 9),

@@ -31,13 +31,6 @@ TEST(Logging, DeliversReportsUpToTheLoggersLevel) {
   }
 }
 
-TEST(Logging, DropsReportsWithoutALogger) {
-  { CapturingLogger logger; }
-  logMessage(logError, "nobody listens");
-  CapturingLogger logger;
-  EXPECT_TRUE(logger.reports().empty());
-}
-
 TEST(Logging, SubtractsTheTimeBaseFromWallClockNanoseconds) {
   const uint64_t before = preciseWallClockNs();
   const uint64_t timeBase = before - 1000000000ull;

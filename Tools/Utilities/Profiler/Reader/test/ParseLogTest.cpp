@@ -1,5 +1,5 @@
-// A whole parse through the reader where the golden cases cannot go: short and corrupt files, an
-// unknown method type, a very large chunk.
+// A whole parse through the reader where the golden cases cannot go: a corrupt chunk after good
+// ones, an unknown method type, a very large chunk.
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
 #include "support/ModelText.h"
@@ -44,20 +44,6 @@ TEST(ParseLog, GoesOnAfterAnUnknownMethodType) {
   ASSERT_TRUE(log.parsed);
   EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Unknown method type."});
   EXPECT_EQ(log.executions->byGraph.find("g")->size(), 2u);
-}
-
-TEST(ParseLog, TreatsFilesShorterThanASizePrefixAsEmpty) {
-  for (const std::vector<uint8_t>& bytes : {std::vector<uint8_t>{}, {0xFF, 0xFF, 0xFF}}) {
-    SCOPED_TRACE(bytes.size());
-    CapturingLogger logger;
-    const testing::TempDir dir;
-    const ParsedLog log = testing::parseLogFile(dir.write("short.log", bytes));
-    EXPECT_TRUE(log.parsed);
-    EXPECT_FALSE(log.reader->headerDetails().headerSaved);
-    EXPECT_EQ(modelText(log.reader->eventModel()), "");
-    EXPECT_EQ(log.printed, "");
-    EXPECT_TRUE(logger.reports().empty());
-  }
 }
 
 // A corrupt chunk stops the parse: what came before stays, nothing is derived or printed.
