@@ -3,6 +3,7 @@
 #include "log/ParseDriver.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
+#include "support/LogSpecs.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -14,12 +15,7 @@ using testing::CapturingLogger;
 using testing::TempDir;
 
 ChunkSpec composeChunk(uint64_t timestamp) {
-  MessageSpec message;
-  message.methodType = 7;
-  message.stampTimestamp = timestamp;
-  ChunkSpec chunk;
-  chunk.messages = std::vector<MessageSpec>{message};
-  return chunk;
+  return testing::chunkOf({testing::messageSpec(7, {}, timestamp)});
 }
 
 // The stamps of every message the driver hands out, and whether it read the whole log.

@@ -1,5 +1,5 @@
 // The values a parse derives after the last message: queue waits and init timing.
-#include "support/ModelText.h"
+#include "support/LogSpecs.h"
 #include "support/ParsedLog.h"
 
 #include <gtest/gtest.h>
@@ -14,35 +14,19 @@ using testing::parseMessages;
 constexpr const char* queueWaitWarning = "Multiple queue-wait time events found per execution. "
                                          "Cannot calculate Host Round-Trip excluding queue wait\n";
 
-EventSpec valued(std::string identifier, uint64_t value) {
-  EventSpec described;
-  described.identifier = std::move(identifier);
-  described.valueU64 = value;
-  return described;
-}
+using testing::eventSpec;
 
 EventSpec queueWait(uint64_t value) {
-  EventSpec described = valued("queue wait", value);
-  described.eventType = 405;
-  return described;
+  return eventSpec("queue wait", 405, value);
 }
 
 EventSpec holding(std::vector<EventSpec> children) {
-  EventSpec described;
-  described.identifier = "holder";
-  described.children = std::move(children);
-  return described;
+  return eventSpec("holder", 0, 0, std::move(children));
 }
 
 MessageSpec timed(int8_t methodType, uint64_t timestamp, TimingSpec timing,
                   std::vector<EventSpec> events = {}) {
-  MessageSpec described;
-  described.stampTimestamp = timestamp;
-  described.methodType = methodType;
-  described.timing = timing;
-  described.events = std::move(events);
-  described.graphName = "g";
-  return described;
+  return testing::messageSpec(methodType, std::move(events), timestamp, timing);
 }
 
 MessageSpec execution(int8_t methodType, std::string graph, std::vector<EventSpec> events,
@@ -109,7 +93,7 @@ TEST(DerivedValues, ExtractsOneQueueWaitPerExecution) {
 
 TEST(DerivedValues, DerivesTheInitTiming) {
   auto finalizeOf = [](std::string graph, uint64_t duration) {
-    MessageSpec described = timed(2, 0, {0, duration}, {valued("f", 0)});
+    MessageSpec described = timed(2, 0, {0, duration}, {eventSpec("f")});
     described.graphName = std::move(graph);
     return described;
   };

@@ -3,6 +3,7 @@
 #include "log/LogWriter.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
+#include "support/LogSpecs.h"
 
 #include <gtest/gtest.h>
 
@@ -22,18 +23,10 @@ std::vector<uint8_t> bufferOf(const ChunkSpec& chunk) {
   return bytes;
 }
 
-MessageSpec message(int8_t methodType, uint64_t timestamp = 0) {
-  MessageSpec described;
-  described.methodType = methodType;
-  described.stampTimestamp = timestamp;
-  described.timing = TimingSpec{10, 20};
-  return described;
-}
+using testing::chunkOf;
 
-ChunkSpec chunkOf(std::vector<MessageSpec> messages) {
-  ChunkSpec chunk;
-  chunk.messages = std::move(messages);
-  return chunk;
+MessageSpec message(int8_t methodType, uint64_t timestamp = 0) {
+  return testing::messageSpec(methodType, {}, timestamp, {10, 20});
 }
 
 EventSpec nestedEvents(int depth) {

@@ -4,6 +4,7 @@
 #include "log/LogWriter.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
+#include "support/LogSpecs.h"
 #include "support/ModelText.h"
 
 #include <gtest/gtest.h>
@@ -26,9 +27,7 @@ struct Dispatched {
 // Dispatches the messages, written as one chunk, into a fresh model.
 Dispatched dispatchAll(std::vector<MessageSpec> messages,
                        VisibilityLevel visibilityLevel = VisibilityLevel{1}) {
-  ChunkSpec chunk;
-  chunk.messages = std::move(messages);
-  std::vector<uint8_t> buffer = buildChunk(chunk);
+  std::vector<uint8_t> buffer = buildChunk(testing::chunkOf(std::move(messages)));
   buffer.erase(buffer.begin(), buffer.begin() + 4); // the size prefix
   FlatBufferReaderUtil stream;
   EXPECT_TRUE(stream.loadBuffer(buffer));
@@ -41,26 +40,11 @@ Dispatched dispatchAll(std::vector<MessageSpec> messages,
 }
 
 EventSpec event(const char* identifier, uint32_t eventType = 1) {
-  EventSpec described;
-  described.identifier = identifier;
-  described.eventType = eventType;
-  return described;
+  return testing::eventSpec(identifier, eventType);
 }
 
-// A message of graph "g" at 7000 lasting 10, with the given events.
 MessageSpec message(int8_t methodType, std::vector<EventSpec> events = {}) {
-  MessageSpec described;
-  described.stampTimestamp = 7000;
-  described.methodType = methodType;
-  described.timing = TimingSpec{100, 110};
-  described.events = std::move(events);
-  described.graphName = "g";
-  return described;
-}
-
-EventSpec withChildren(EventSpec described, std::vector<EventSpec> children) {
-  described.children = std::move(children);
-  return described;
+  return testing::messageSpec(methodType, std::move(events));
 }
 
 MessageSpec withVisibility(MessageSpec described, int8_t visibility) {
@@ -233,8 +217,8 @@ TEST(MethodDispatch, FilesMessageSequences) {
        {true, false},
        "composeGraphsTiming 9/10"},
       {"events keep their order and nesting, duplicates included",
-       {message(
-           10, {withChildren(event("a"), {event("b"), event("b", 300)}), event("a"), EventSpec{}})},
+       {message(10, {testing::eventSpec("a", 1, 0, {event("b"), event("b", 300)}), event("a"),
+                     EventSpec{}})},
        {true},
        "libLoadSlot 7000/10 [a{b b} a null] present"},
   };

@@ -2,6 +2,7 @@
 // ones, an unknown method type, a very large chunk.
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
+#include "support/LogSpecs.h"
 #include "support/ModelText.h"
 #include "support/ParsedLog.h"
 
@@ -16,21 +17,11 @@ using testing::parseChunks;
 using testing::ParsedLog;
 
 MessageSpec execute(uint64_t timestamp) {
-  EventSpec event;
-  event.identifier = "a";
-  event.valueU64 = 4;
-  MessageSpec described;
-  described.stampTimestamp = timestamp;
-  described.methodType = 1;
-  described.timing = TimingSpec{0, 10};
-  described.events = std::vector{event};
-  described.graphName = "g";
-  return described;
+  return testing::messageSpec(1, {testing::eventSpec("a", 0, 4)}, timestamp, {0, 10});
 }
 
 ChunkSpec chunkOf(std::vector<MessageSpec> messages, bool withHeader = false) {
-  ChunkSpec chunk;
-  chunk.messages = std::move(messages);
+  ChunkSpec chunk = testing::chunkOf(std::move(messages));
   if (withHeader)
     chunk.header = HeaderSpec();
   return chunk;
@@ -66,9 +57,7 @@ TEST(ParseLog, KeepsTheChunksBeforeACorruptOne) {
 // The verifier's table limit is far above a million; such a chunk is ordinary input.
 TEST(ParseLog, ReadsAMillionMessageChunk) {
   constexpr size_t messages = 1000000;
-  MessageSpec compose;
-  compose.methodType = 7;
-  compose.timing = TimingSpec{0, 3};
+  const MessageSpec compose = testing::messageSpec(7, {}, 0, {0, 3});
   const ParsedLog log = testing::parseMessages(std::vector<MessageSpec>(messages, compose));
   ASSERT_TRUE(log.parsed);
   EXPECT_EQ(log.reader->eventModel().composeGraphsTiming.duration, 3u);

@@ -57,25 +57,22 @@ TEST(Summary, ExecuteAverageSubtractsTheTruncatedMeanQueueWait) {
   EventModel graphWithoutWaits = queueWaitModel({});
   graphWithoutWaits.queueWaitByGraph.clear();
 
+  // The graph's block with the given excluding line, or none.
+  auto withExcluding = [](std::string excluding) {
+    return "Graph 0 (g):\n    NetRun (Host Round-Trip): 100 us\n" +
+           (excluding.empty()
+                ? ""
+                : "    NetRun (Host Round-Trip excluding queue wait): " + excluding + "\n") +
+           "    Backend (exec): 90 us\n\n";
+  };
   const Case cases[] = {
-      {"queue-wait mean 3.67 truncates to 3", queueWaitModel({3, 4, 4}),
-       "Graph 0 (g):\n    NetRun (Host Round-Trip): 100 us\n"
-       "    NetRun (Host Round-Trip excluding queue wait): 97\n"
-       "    Backend (exec): 90 us\n\n"},
+      {"queue-wait mean 3.67 truncates to 3", queueWaitModel({3, 4, 4}), withExcluding("97")},
       {"a mean above the round trip wraps around", queueWaitModel({105}),
-       "Graph 0 (g):\n    NetRun (Host Round-Trip): 100 us\n"
-       "    NetRun (Host Round-Trip excluding queue wait): 18446744073709551611\n"
-       "    Backend (exec): 90 us\n\n"},
-      {"no waits subtract nothing", queueWaitModel({}),
-       "Graph 0 (g):\n    NetRun (Host Round-Trip): 100 us\n"
-       "    NetRun (Host Round-Trip excluding queue wait): 100\n"
-       "    Backend (exec): 90 us\n\n"},
+       withExcluding("18446744073709551611")},
+      {"no waits subtract nothing", queueWaitModel({}), withExcluding("100")},
       {"a mean rounded up to 2^64 saturates", queueWaitModel({~uint64_t(0), ~uint64_t(0)}),
-       "Graph 0 (g):\n    NetRun (Host Round-Trip): 100 us\n"
-       "    NetRun (Host Round-Trip excluding queue wait): 101\n"
-       "    Backend (exec): 90 us\n\n"},
-      {"graph without queue waits", graphWithoutWaits,
-       "Graph 0 (g):\n    NetRun (Host Round-Trip): 100 us\n    Backend (exec): 90 us\n\n"},
+       withExcluding("101")},
+      {"graph without queue waits", graphWithoutWaits, withExcluding("")},
       {"combined execute prints the round trip only", combined,
        "Graph 0 (g):\n    NetRun (Host Round-Trip): 100 us\n\n"},
   };
