@@ -44,9 +44,9 @@ TEST(LogRoundTrip, SynthesisedLogsComeBackIdentical) {
       {"linting detail, several chunks",
        {"--graphs", "2", "--executions", "3", "--steps", "4", "--messages-per-chunk", "4"},
        4},
-      {"queue wait", {"--graphs", "2", "--executions", "2", "--steps", "3", "--queue-wait"}, 1},
-      {"one message per chunk",
-       {"--graphs", "1", "--executions", "2", "--steps", "2", "--messages-per-chunk", "1"},
+      {"queue wait, one message per chunk",
+       {"--graphs", "1", "--executions", "2", "--steps", "2", "--messages-per-chunk", "1",
+        "--queue-wait"},
        9},
   };
   for (const Case& c : cases) {
