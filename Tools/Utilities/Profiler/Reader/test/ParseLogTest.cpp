@@ -1,5 +1,5 @@
 // A whole parse through the reader where the golden cases cannot go: a corrupt chunk after good
-// ones, an unknown method type, a very large chunk.
+// ones, a very large chunk.
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
 #include "support/LogSpecs.h"
@@ -25,16 +25,6 @@ ChunkSpec chunkOf(std::vector<MessageSpec> messages, bool withHeader = false) {
   if (withHeader)
     chunk.header = HeaderSpec();
   return chunk;
-}
-
-TEST(ParseLog, GoesOnAfterAnUnknownMethodType) {
-  CapturingLogger logger;
-  MessageSpec unknown = execute(2);
-  unknown.methodType = 42;
-  const ParsedLog log = parseChunks(std::vector{chunkOf({execute(1), unknown, execute(3)})});
-  ASSERT_TRUE(log.parsed);
-  EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Unknown method type."});
-  EXPECT_EQ(log.executions->byGraph.find("g")->size(), 2u);
 }
 
 // A corrupt chunk stops the parse: what came before stays, nothing is derived or printed.
