@@ -66,16 +66,12 @@ TEST(LogRoundTrip, SynthesisedLogsComeBackIdentical) {
 }
 
 TEST(LogRoundTrip, ReaderTestLogsComeBackIdentical) {
-  std::vector<std::filesystem::path> logs;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(KVT_READER_TEST_LOG_DIR))
-    if (entry.path().extension() == ".log")
-      logs.push_back(entry.path());
-  std::sort(logs.begin(), logs.end());
+  const std::vector<std::string> logs = testing::fixtureAndGoldenLogs();
   ASSERT_FALSE(logs.empty());
-  for (const std::filesystem::path& log : logs) {
-    SCOPED_TRACE(log.string());
+  for (const std::string& log : logs) {
+    SCOPED_TRACE(log);
     const TempDir dir;
-    EXPECT_TRUE(buildOf(dir, dumpOf(log.string())) == readFile(log));
+    EXPECT_TRUE(buildOf(dir, dumpOf(log)) == readFile(log));
   }
 }
 

@@ -50,21 +50,12 @@ std::string averagedModelText(const EventModel& model) {
   return text;
 }
 
-struct Parse {
-  bool parsed = false;
-  std::string printed;
-  std::string averagedModel;
-};
-
-Parse parseWith(KvtProfileLogReader& reader) {
-  Parse parse;
-  {
-    const testing::StdoutCapture capture;
-    parse.parsed = reader.parseLog(false);
-    parse.printed = capture.text();
-  }
-  parse.averagedModel = averagedModelText(reader.eventModel());
-  return parse;
+// The parse's result, what it printed and the averaged model, as one text.
+std::string parseWith(KvtProfileLogReader& reader) {
+  const testing::StdoutCapture printed;
+  const bool parsed = reader.parseLog(false);
+  return (parsed ? "parsed\n" : "refused\n") + printed.text() +
+         averagedModelText(reader.eventModel());
 }
 
 // The lines of a CSV event log whose method is EXECUTE.
@@ -98,12 +89,9 @@ testing::ExecutionsByGraph expectStreamedAlike(const std::string& path,
   testing::CollectedExecutions kept;
   csvReader.addExecutionConsumer(kept.consumer());
   KvtProfileLogReaderChrometrace traceReader(path, level);
-  const Parse csvParse = parseWith(csvReader);
-  const Parse traceParse = parseWith(traceReader);
-  EXPECT_EQ(traceParse.parsed, csvParse.parsed);
-  EXPECT_EQ(traceParse.printed, csvParse.printed);
-  EXPECT_EQ(traceParse.averagedModel, csvParse.averagedModel);
-  if (csvParse.parsed) {
+  const std::string csvParse = parseWith(csvReader);
+  EXPECT_EQ(parseWith(traceReader), csvParse);
+  if (csvParse.starts_with("parsed")) {
     const testing::TempDir dir;
     const fs::path csvPath = dir.path() / "events.csv";
     const testing::StdoutCapture summary;
@@ -113,19 +101,8 @@ testing::ExecutionsByGraph expectStreamedAlike(const std::string& path,
   return kept.byGraph;
 }
 
-std::vector<std::string> logsIn(const fs::path& dir) {
-  std::vector<std::string> logs;
-  for (const fs::directory_entry& entry : fs::directory_iterator(dir))
-    if (entry.path().extension() == ".log")
-      logs.push_back(entry.path().string());
-  std::sort(logs.begin(), logs.end());
-  return logs;
-}
-
 TEST(StreamedExecutions, FixtureAndGoldenLogs) {
-  std::vector<std::string> logs = logsIn(KVT_FIXTURE_DIR);
-  const std::vector<std::string> golden = logsIn(KVT_GOLDEN_LOG_DIR);
-  logs.insert(logs.end(), golden.begin(), golden.end());
+  const std::vector<std::string> logs = testing::fixtureAndGoldenLogs();
   ASSERT_GT(logs.size(), 10u);
   for (const std::string& log : logs) {
     SCOPED_TRACE(log);

@@ -24,7 +24,7 @@ ProgramRun runViewer(const std::vector<std::string>& arguments) {
 
 TEST(ViewerProgram, MatchesGoldenOutputs) {
   const std::string validLog = fixtureLog("header-and-compose");
-  const std::string incompatibleLog = KVT_READER_GOLDEN_LOG_DIR "/without-detailed-events.log";
+  const std::string incompatibleLog = KVT_GOLDEN_LOG_DIR "/without-detailed-events.log";
   struct Case {
     const char* what;
     const char* golden; // golden/<golden>.stdout and .stderr
@@ -75,7 +75,7 @@ TEST(ViewerProgram, MatchesGoldenOutputs) {
 TEST(ViewerProgram, PassesTheExtendedBackendReportFlag) {
   // With the flag the base reader dumps the log's object events to files: teardown.bin holds the
   // one byte the log gives it.
-  const std::string log = KVT_READER_GOLDEN_LOG_DIR "/csv-every-method.log";
+  const std::string log = KVT_GOLDEN_LOG_DIR "/csv-every-method.log";
   for (const bool extended : {false, true}) {
     SCOPED_TRACE(extended ? "extended" : "plain");
     const TempDir workingDir;
