@@ -5,7 +5,6 @@
 #include "log/LogWriter.h"
 #include "plugin/KvtProfileLogReader.h"
 #include "support/CollectedExecutions.h"
-#include "support/ModelText.h"
 #include "support/StdoutCapture.h"
 #include "support/TestFiles.h"
 #include "text/CsvLog.h"
@@ -42,20 +41,38 @@ std::string recordsText(const EventList& events, int depth = 1) {
   return out.str();
 }
 
-// The model with the averages in full.
-std::string averagedModelText(const EventModel& model) {
-  std::string text = testing::modelText(model);
+// Every part of the model after a parse, one a line.
+std::string modelText(const EventModel& model) {
+  std::ostringstream out;
+  for (const TimingPair& pair : {model.initTiming, model.unnamedTiming, model.composeGraphsTiming})
+    out << pair.timestamp << '/' << pair.duration << '\n';
+  for (const RunLevelSlot* slot :
+       {&model.initSlot, &model.executeOverallSlot, &model.deinitSlot, &model.libLoadSlot})
+    out << "slot " << slot->timestamp << '/' << slot->duration << ' ' << slot->present
+        << recordsText(slot->events) << '\n';
+  out << "init " << model.hasInitEvents << recordsText(model.initEvents) << "\nflags "
+      << model.hasFinalize << model.hasFinalizeEvents << model.queueWaitMode
+      << model.hasCombinedExecute << '\n';
+  for (const auto& [graph, entry] : model.finalizeByGraph)
+    out << "finalize " << graph << ' ' << entry.timestamp << '/' << entry.duration
+        << recordsText(entry.events) << '\n';
   for (const auto& [graph, average] : model.averageExecutionByGraph)
-    text += "\naverage " + graph + ':' + recordsText(average.events);
-  return text;
+    out << "average " << graph << ' ' << average.timestamp << '/' << average.duration
+        << recordsText(average.events) << '\n';
+  for (const auto& [graph, queueWaits] : model.queueWaitByGraph) {
+    out << "queue waits " << graph;
+    for (uint64_t queueWait : queueWaits)
+      out << ' ' << queueWait;
+    out << '\n';
+  }
+  return out.str();
 }
 
 // The parse's result, what it printed and the averaged model, as one text.
 std::string parseWith(KvtProfileLogReader& reader) {
   const testing::StdoutCapture printed;
   const bool parsed = reader.parseLog(false);
-  return (parsed ? "parsed\n" : "refused\n") + printed.text() +
-         averagedModelText(reader.eventModel());
+  return (parsed ? "parsed\n" : "refused\n") + printed.text() + modelText(reader.eventModel());
 }
 
 // The lines of a CSV event log whose method is EXECUTE.
