@@ -112,12 +112,5 @@ TEST(LogDump, ReportsBadChunksAndKeepsTheGoodOnes) {
   }
 }
 
-TEST(LogDump, MissingLogIsBadInput) {
-  const TempDir dir;
-  const ToolRun dump = runTool({"dump", (dir.path() / "missing.log").string()});
-  EXPECT_EQ(dump.exitCode, 1);
-  EXPECT_NE(dump.err.find("cannot read"), std::string::npos);
-}
-
 } // namespace
 } // namespace kvt::profiling
