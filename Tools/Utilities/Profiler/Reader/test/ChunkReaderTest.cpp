@@ -8,6 +8,11 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace kvt::profiling {
 namespace {
 
@@ -114,6 +119,32 @@ TEST(ChunkReader, ReadsFramedChunks) {
     EXPECT_EQ(drained.stamps, c.stamps);
     EXPECT_EQ(logger.contains(logError, "Corrupted flatbuffer binary stream"), c.corrupt);
   }
+}
+
+// A size prefix the verifier could never hold is refused before anything is allocated: with the
+// address space limited to 1 GiB more than is in use, it is still refused as corrupt, not as out
+// of memory.
+TEST(ChunkReader, RefusesTheVerifiersLargestSizeWithoutAllocating) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizers reserve address space of their own";
+#endif
+  const TempDir dir;
+  const std::string path =
+      dir.write("log.bin", withSizePrefix(ChunkLimits::maxBytes, buildChunk(composeChunk(1))));
+  size_t pagesInUse = 0;
+  std::ifstream("/proc/self/statm") >> pagesInUse;
+  rlimit previous{};
+  ASSERT_EQ(getrlimit(RLIMIT_AS, &previous), 0);
+  rlimit limited = previous;
+  limited.rlim_cur = pagesInUse * size_t(sysconf(_SC_PAGESIZE)) + (size_t(1) << 30);
+  if (pagesInUse == 0 || limited.rlim_cur > previous.rlim_max)
+    GTEST_SKIP() << "cannot limit the address space";
+  CapturingLogger logger;
+  ASSERT_EQ(setrlimit(RLIMIT_AS, &limited), 0);
+  const bool complete = drain(path).complete;
+  setrlimit(RLIMIT_AS, &previous);
+  EXPECT_FALSE(complete);
+  EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Corrupted flatbuffer binary stream"});
 }
 
 TEST(ChunkReader, RefusesWhatIsNoReadableFile) {
