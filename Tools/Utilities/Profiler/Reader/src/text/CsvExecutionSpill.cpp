@@ -13,11 +13,16 @@
 namespace kvt::profiling {
 namespace {
 
-constexpr size_t copyBlockBytes = size_t(1) << 20; // read back in blocks of this size
+constexpr size_t copyBlockBytes = size_t(1) << 20;   // read back in blocks of this size
+constexpr unsigned rowLevels = 2;                    // the rows show events and their sub-events
+constexpr size_t spillBufferBytes = size_t(1) << 16; // fewer, larger writes than stdio's default
 
 // An unnamed file that the system removes when it is closed or the process ends.
 std::FILE* createTemporaryFile() {
-  return std::tmpfile();
+  std::FILE* file = std::tmpfile();
+  if (file)
+    std::setvbuf(file, nullptr, _IOFBF, spillBufferBytes);
+  return file;
 }
 
 } // namespace
@@ -40,8 +45,9 @@ void CsvExecutionSpill::add(const DispatchedExecution& execution) {
     graph.identifier = graphIdentifier(fileByGraph.size() - 1, execution.graph);
   }
   rows.str(std::string());
-  const ExecutionEntry entry{execution.duration, execution.timestamp,
-                             buildEventRecords(execution.events)};
+  entry.duration = execution.duration;
+  entry.timestamp = execution.timestamp;
+  buildEventRecords(execution.events, rowLevels, entry.events);
   writeExecutionRows(rows, graph.identifier, entry, writeBackendRows);
   const std::string_view text = rows.view();
   if (std::fwrite(text.data(), 1, text.size(), graph.file.get()) != text.size()) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ReportContext.h"
+#include "model/ExecutionEntry.h"
 #include "model/ExecutionSeam.h"
 #include "model/GraphMap.h"
 
@@ -48,7 +49,8 @@ private:
 
   BackendCsvWriter writeBackendRows;
   GraphMap<GraphFile> fileByGraph;
-  std::ostringstream rows; // one execution's rows, reused
+  ExecutionEntry entry;    // one execution's records, reused
+  std::ostringstream rows; // and its rows
   std::string failureText;
 };
 
