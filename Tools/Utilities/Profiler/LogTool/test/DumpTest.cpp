@@ -3,6 +3,7 @@
 #include "TextSearch.h"
 #include "ToolRun.h"
 #include "log/LogWriter.h"
+#include "support/LogSpecs.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -26,12 +27,8 @@ struct FramedLog {
 FramedLog threeChunkLog() {
   FramedLog log;
   for (uint64_t timestamp : {1000, 2000, 3000}) {
-    MessageSpec message;
-    message.methodType = 7;
-    message.stampTimestamp = timestamp;
-    ChunkSpec chunk;
-    chunk.messages = std::vector<MessageSpec>{message};
-    const std::vector<uint8_t> framed = buildChunk(chunk);
+    const std::vector<uint8_t> framed =
+        buildChunk(testing::chunkOf({testing::messageSpec(7, {}, timestamp)}));
     log.chunkOffsets.push_back(log.bytes.size());
     log.bytes.insert(log.bytes.end(), framed.begin(), framed.end());
   }

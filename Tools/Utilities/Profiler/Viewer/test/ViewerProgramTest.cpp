@@ -87,22 +87,27 @@ TEST(ViewerProgram, PassesTheExtendedBackendReportFlag) {
   }
 }
 
-TEST(ViewerProgram, ExplainsAReaderLibraryThatCannotBeLoaded) {
-  const ProgramRun run = runViewer({"--input", "a.log", "--reader", "/nonexistent/libR.so"});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.standardOutput, "");
-  EXPECT_TRUE(run.standardError.starts_with(
-      "kvt-profile-viewer: cannot load reader library /nonexistent/libR.so: "))
-      << run.standardError;
-}
-
-TEST(ViewerProgram, RefusesALibraryWithoutTheReaderExports) {
-  const ProgramRun run = runViewer({"--input", "a.log", "--reader", KVT_NOT_A_READER});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.standardOutput, "");
-  EXPECT_EQ(run.standardError, std::string("kvt-profile-viewer: ") + KVT_NOT_A_READER +
-                                   " is not a reader library: it does not export createReader, "
-                                   "deleteReader, registerLogger, unregisterLogger\n");
+TEST(ViewerProgram, ExplainsAReaderLibraryItCannotUse) {
+  struct Case {
+    const char* what;
+    std::string reader;
+    std::string error; // the start of standard error
+  };
+  const Case cases[] = {
+      {"no such file", "/nonexistent/libR.so",
+       "kvt-profile-viewer: cannot load reader library /nonexistent/libR.so: "},
+      {"a library without the reader exports", KVT_NOT_A_READER,
+       std::string("kvt-profile-viewer: ") + KVT_NOT_A_READER +
+           " is not a reader library: it does not export createReader, deleteReader, "
+           "registerLogger, unregisterLogger\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const ProgramRun run = runViewer({"--input", "a.log", "--reader", c.reader});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.standardOutput, "");
+    EXPECT_TRUE(run.standardError.starts_with(c.error)) << run.standardError;
+  }
 }
 
 } // namespace
