@@ -128,15 +128,12 @@ TEST(StreamedExecutions, FixtureAndGoldenLogs) {
 }
 
 // A run of interleaved graphs over three chunks whose executions share some identifiers and not
-// others, repeat them, leave fields out, nest and carry values of every type; queueWaits is the
-// queue-wait events (type 405) of each execution but the last, lastQueueWaits those of the last.
+// others, repeat them, leave fields out, nest and carry values of every type. Queue waits and
+// combined executions are the golden cases' part.
 struct RunShape {
   uint32_t seed = 1;
   int graphs = 3;
   int executions = 12; // per graph
-  int queueWaits = 0;
-  int lastQueueWaits = 0;
-  bool combined = false; // type 9 messages, init and finalize events among the others
 };
 
 // The list an optional holds, created empty on first use.
@@ -144,6 +141,11 @@ template <typename T> std::vector<T>& listOf(std::optional<std::vector<T>>& list
   if (!list)
     list.emplace();
   return *list;
+}
+
+// "e7" from "e" and 7.
+std::string numbered(std::string prefix, int number) {
+  return prefix += std::to_string(number);
 }
 
 std::vector<ChunkSpec> syntheticRun(const RunShape& shape) {
@@ -154,7 +156,7 @@ std::vector<ChunkSpec> syntheticRun(const RunShape& shape) {
   std::function<EventSpec(int)> event = [&](int depth) {
     EventSpec e;
     if (pick(0, 5) != 0)
-      e.identifier = "e" + std::to_string(pick(0, depth == 0 ? 30 : 4));
+      e.identifier = numbered("e", pick(0, depth == 0 ? 30 : 4));
     e.eventType = std::array<uint32_t, 4>{0, 404, 5001, 7}[size_t(pick(0, 3))];
     if (const int valueType = pick(0, 7); valueType < 7) // 6: unknown, read as value_u64
       e.valueType = uint32_t(valueType);
@@ -167,7 +169,7 @@ std::vector<ChunkSpec> syntheticRun(const RunShape& shape) {
     if (pick(0, 1))
       e.unit = uint32_t(pick(0, 5));
     if (pick(0, 3) == 0)
-      e.message = "m" + std::to_string(pick(0, 3));
+      e.message = numbered("m", pick(0, 3));
     if (depth < 3 && pick(0, 2) == 0)
       for (int i = pick(0, depth == 0 ? 20 : 4); i > 0; --i)
         listOf(e.children).push_back(event(depth + 1));
@@ -178,24 +180,12 @@ std::vector<ChunkSpec> syntheticRun(const RunShape& shape) {
     for (int graph = 0; graph < shape.graphs; ++graph) {
       MessageSpec message;
       message.stampTimestamp = uint64_t(execution * 100 + graph);
-      message.methodType = int8_t(shape.combined ? 9 : shape.queueWaits ? 3 : 1);
+      message.methodType = 1;
       message.timing = TimingSpec{uint64_t(pick(0, 50)), uint64_t(pick(0, 900))};
       message.visibility = int8_t(pick(0, 9) == 0 ? 127 : 0); // a few are filtered out
-      message.graphName = "graph " + std::to_string(graph);
-      std::vector<EventSpec>& events = message.events.emplace();
+      message.graphName = numbered("graph ", graph);
       for (int i = pick(0, 6); i > 0; --i)
-        events.push_back(event(0));
-      if (shape.combined)
-        events.emplace_back(event(1)).eventType = uint32_t(pick(0, 1) ? 100 : 300);
-      const bool last = graph == shape.graphs - 1 && execution == shape.executions - 1;
-      for (int i = last ? shape.lastQueueWaits : shape.queueWaits; i > 0; --i) {
-        EventSpec wait;
-        wait.identifier = "queue wait";
-        wait.eventType = 405;
-        wait.valueU64 = uint64_t(pick(1, 400));
-        // At the top level or one below, as an execution may carry it.
-        (events.empty() || pick(0, 1) ? events : listOf(events.front().children)).push_back(wait);
-      }
+        listOf(message.events).push_back(event(0));
       listOf(chunks[size_t(pick(0, 2))].messages).push_back(std::move(message));
     }
   return chunks;
@@ -209,11 +199,6 @@ TEST(StreamedExecutions, SyntheticRuns) {
   const Case cases[] = {
       {"sparse records of every value type over interleaved graphs", {.seed = 1}},
       {"one graph, many executions", {.seed = 3, .graphs = 1, .executions = 80}},
-      {"a queue wait in every execution", {.seed = 4, .queueWaits = 1, .lastQueueWaits = 1}},
-      {"the last execution without its queue wait", {.seed = 5, .queueWaits = 1}},
-      {"the last execution with two queue waits",
-       {.seed = 6, .queueWaits = 1, .lastQueueWaits = 2}},
-      {"combined messages with init and finalize events", {.seed = 7, .combined = true}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
