@@ -1,6 +1,6 @@
 // What build reads and what it refuses: the frame of a dump document in its permitted forms, and
 // JSON the schema parser rejects, with its message. A refused build leaves no file behind and an
-// older log untouched.
+// older log untouched. Every command refuses a missing input and an unwritable output alike.
 #include "TextSearch.h"
 #include "ToolRun.h"
 #include "support/TestFiles.h"
@@ -75,7 +75,8 @@ TEST(LogBuild, RefusesBrokenInput) {
   }
 }
 
-TEST(LogBuild, MissingInputOrUnwritableOutputIsBadInput) {
+// Every command's missing input and unwritable output: exit 1, a message naming the file, no file.
+TEST(LogTool, MissingInputOrUnwritableOutputIsBadInput) {
   const TempDir dir;
   const std::string chunk = dir.write("chunk.json", std::string("{}"));
   const std::string missing = (dir.path() / "missing.json").string();
@@ -87,17 +88,22 @@ TEST(LogBuild, MissingInputOrUnwritableOutputIsBadInput) {
     std::string report;
   };
   const Case cases[] = {
-      {"missing document", {"build", missing, "-o", log}, missing + ": cannot read it"},
-      {"directory of the output missing",
+      {"build: missing document", {"build", missing, "-o", log}, missing + ": cannot read it"},
+      {"build: directory of the output missing",
        {"build", "--chunks", chunk, "-o", unwritable},
        unwritable + ": cannot create it"},
+      {"dump: missing log", {"dump", log}, "cannot read"},
+      {"synth: directory of the output missing",
+       {"synth", "-o", unwritable},
+       "kvt-profile-log synth: cannot write " + unwritable + "\n"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    const ToolRun build = runTool(c.args);
-    EXPECT_EQ(build.exitCode, 1);
-    EXPECT_NE(build.err.find(c.report), std::string::npos) << build.err;
+    const ToolRun run = runTool(c.args);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.err.find(c.report), std::string::npos) << run.err;
     EXPECT_FALSE(std::filesystem::exists(log));
+    EXPECT_FALSE(std::filesystem::exists(unwritable));
   }
 }
 

@@ -3,9 +3,15 @@
 #include "log/ParseDriver.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
+#include "support/LogSpecs.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
+
+#include <fstream>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace kvt::profiling {
 namespace {
@@ -14,12 +20,7 @@ using testing::CapturingLogger;
 using testing::TempDir;
 
 ChunkSpec composeChunk(uint64_t timestamp) {
-  MessageSpec message;
-  message.methodType = 7;
-  message.stampTimestamp = timestamp;
-  ChunkSpec chunk;
-  chunk.messages = std::vector<MessageSpec>{message};
-  return chunk;
+  return testing::chunkOf({testing::messageSpec(7, {}, timestamp)});
 }
 
 // The stamps of every message the driver hands out, and whether it read the whole log.
@@ -38,6 +39,13 @@ Drained drain(const std::string& path) {
   return result;
 }
 
+// A chunk of the log writer whose size prefix claims size bytes instead.
+std::vector<uint8_t> withSizePrefix(uint32_t size, std::vector<uint8_t> chunk) {
+  for (size_t i = 0; i < 4; ++i)
+    chunk[i] = uint8_t(size >> (8 * i));
+  return chunk;
+}
+
 std::vector<uint8_t> twoChunks() {
   const ChunkSpec chunks[] = {composeChunk(1), composeChunk(2)};
   return buildLog(chunks);
@@ -53,6 +61,7 @@ TEST(ChunkReader, ReadsFramedChunks) {
   };
   const std::vector<uint8_t> log = twoChunks();
   const size_t firstChunkBytes = buildChunk(composeChunk(1)).size();
+  const std::vector<uint8_t> composeChunk3 = buildChunk(composeChunk(3));
   auto withTail = [&](std::vector<uint8_t> tail) {
     std::vector<uint8_t> bytes = log;
     bytes.insert(bytes.end(), tail.begin(), tail.end());
@@ -64,13 +73,26 @@ TEST(ChunkReader, ReadsFramedChunks) {
       {"two chunks", log, true, {1, 2}, false},
       {"two chunks and three trailing bytes", withTail({1, 2, 3}), true, {1, 2}, false},
       {"a 4 GiB size prefix after the chunks",
-       withTail({0xFF, 0xFF, 0xFF, 0xFF, 1}),
+       withTail(withSizePrefix(0xFFFFFFFF, composeChunk3)),
        false,
        {1, 2},
        true},
+      {"a size prefix of the verifier's largest buffer over a valid chunk",
+       withSizePrefix(ChunkLimits::maxBytes, composeChunk3),
+       false,
+       {},
+       true},
       // A chunk cut short is zero-padded and verified as it stands: zeros may well verify.
-      {"a 2 GiB size prefix over zeros", {0xFE, 0xFF, 0xFF, 0x7F, 0}, false, {}, true},
-      {"a 2 GiB size prefix over an empty root", {0xFE, 0xFF, 0xFF, 0x7F, 0x10}, true, {}, false},
+      {"one byte less over zeros",
+       withSizePrefix(ChunkLimits::maxBytes - 1, std::vector<uint8_t>(8, 0)),
+       false,
+       {},
+       true},
+      {"one byte less over a chunk without messages",
+       withSizePrefix(ChunkLimits::maxBytes - 1, buildChunk(ChunkSpec{})),
+       true,
+       {},
+       false},
       {"a zero size prefix", {0, 0, 0, 0}, false, {}, true},
       {"second chunk cut in its last field",
        std::vector<uint8_t>(log.begin(), log.end() - 9),
@@ -97,6 +119,32 @@ TEST(ChunkReader, ReadsFramedChunks) {
     EXPECT_EQ(drained.stamps, c.stamps);
     EXPECT_EQ(logger.contains(logError, "Corrupted flatbuffer binary stream"), c.corrupt);
   }
+}
+
+// A size prefix the verifier could never hold is refused before anything is allocated: with the
+// address space limited to 1 GiB more than is in use, it is still refused as corrupt, not as out
+// of memory.
+TEST(ChunkReader, RefusesTheVerifiersLargestSizeWithoutAllocating) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizers reserve address space of their own";
+#endif
+  const TempDir dir;
+  const std::string path =
+      dir.write("log.bin", withSizePrefix(ChunkLimits::maxBytes, buildChunk(composeChunk(1))));
+  size_t pagesInUse = 0;
+  std::ifstream("/proc/self/statm") >> pagesInUse;
+  rlimit previous{};
+  ASSERT_EQ(getrlimit(RLIMIT_AS, &previous), 0);
+  rlimit limited = previous;
+  limited.rlim_cur = pagesInUse * size_t(sysconf(_SC_PAGESIZE)) + (size_t(1) << 30);
+  if (pagesInUse == 0 || limited.rlim_cur > previous.rlim_max)
+    GTEST_SKIP() << "cannot limit the address space";
+  CapturingLogger logger;
+  ASSERT_EQ(setrlimit(RLIMIT_AS, &limited), 0);
+  const bool complete = drain(path).complete;
+  setrlimit(RLIMIT_AS, &previous);
+  EXPECT_FALSE(complete);
+  EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Corrupted flatbuffer binary stream"});
 }
 
 TEST(ChunkReader, RefusesWhatIsNoReadableFile) {

@@ -30,25 +30,21 @@ void runReaders(const testing::TempDir& dir, const std::string& bytes) {
 }
 
 TEST(CorruptionSweep, CutAndFlippedFixturesNeverBreakTheReaders) {
-  size_t logs = 0;
-  for (const char* logDir : {KVT_FIXTURE_DIR, KVT_GOLDEN_LOG_DIR})
-    for (const auto& entry : std::filesystem::directory_iterator(logDir)) {
-      if (entry.path().extension() != ".log")
-        continue;
-      SCOPED_TRACE(entry.path().filename().string());
-      ++logs;
-      const std::string log = testing::readFile(entry.path());
-      testing::TempDir dir;
-      for (size_t length = 0; length < log.size(); ++length)
-        runReaders(dir, log.substr(0, length));
-      for (size_t at = 0; at < log.size(); at += flipStride)
-        for (const char flip : {'\x00', '\xFF', '\x80'}) {
-          std::string variant = log;
-          variant[at] = variant[at] == flip ? char(~flip) : flip;
-          runReaders(dir, variant);
-        }
-    }
-  EXPECT_GT(logs, 0u);
+  const std::vector<std::string> logs = testing::fixtureAndGoldenLogs();
+  ASSERT_FALSE(logs.empty());
+  for (const std::string& path : logs) {
+    SCOPED_TRACE(path);
+    const std::string log = testing::readFile(path);
+    testing::TempDir dir;
+    for (size_t length = 0; length < log.size(); ++length)
+      runReaders(dir, log.substr(0, length));
+    for (size_t at = 0; at < log.size(); at += flipStride)
+      for (const char flip : {'\x00', '\xFF', '\x80'}) {
+        std::string variant = log;
+        variant[at] = variant[at] == flip ? char(~flip) : flip;
+        runReaders(dir, variant);
+      }
+  }
 }
 
 } // namespace

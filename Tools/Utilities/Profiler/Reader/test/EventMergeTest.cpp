@@ -20,10 +20,6 @@ EventRecord record(std::string identifier, uint64_t payload, uint32_t dataType =
   return result;
 }
 
-EventRecord parent(std::string identifier, uint64_t payload, EventList children) {
-  return record(std::move(identifier), payload, dataTypeU64, std::move(children));
-}
-
 EventRecord floatRecord(std::string identifier, float value) {
   return record(std::move(identifier), std::bit_cast<uint32_t>(value), dataTypeF32);
 }
@@ -75,10 +71,6 @@ TEST(EventMerge, MergesIncomingRecordsIntoTheAccumulatedList) {
        {record("a", 1, dataTypeI64)},
        {record("a", 2, dataTypeI64)},
        "a=3:164x2"},
-      {"floats are added by their bit patterns",
-       {floatRecord("f", 1.5f)},
-       {floatRecord("f", 1.5f)},
-       "f=2139095040:164x2"},
       {"only the first record of an identifier matches",
        {record("a", 1), record("a", 10)},
        {record("a", 5)},
@@ -100,12 +92,13 @@ TEST(EventMerge, MergesIncomingRecordsIntoTheAccumulatedList) {
        {record("A", 1), record(std::string("a\0", 2), 1), record("a ", 1)},
        "a=1:164x1 A=1:164x1 a\0=1:164x1 a =1:164x1"s},
       {"children are merged at every level, three deep",
-       {parent("p", 1, {parent("c", 1, {record("g", 1)})})},
-       {parent("p", 1, {parent("c", 2, {record("g", 3), record("h", 4)}), record("d", 5)})},
+       {record("p", 1, dataTypeU64, {record("c", 1, dataTypeU64, {record("g", 1)})})},
+       {record("p", 1, dataTypeU64,
+               {record("c", 2, dataTypeU64, {record("g", 3), record("h", 4)}), record("d", 5)})},
        "p=2:164x2{c=3:164x2{g=4:164x2 h=4:164x1} d=5:164x1}"},
       {"an unmatched record keeps its subtree as it is",
        {record("a", 1)},
-       {parent("b", 1, {floatRecord("c", 1.5f)})},
+       {record("b", 1, dataTypeU64, {floatRecord("c", 1.5f)})},
        "a=1:164x1 b=1:164x1{c=1069547520:232x1}"},
   };
   for (const Case& c : cases) {
@@ -168,8 +161,11 @@ TEST(EventMerge, AveragesExecutions) {
        3,
        ""},
       {"every level of a deep tree is averaged",
-       {execution(0, 0, {parent("p", 2, {parent("c", 4, {record("g", 6)})})}),
-        execution(0, 0, {parent("p", 4, {parent("c", 8, {record("g", 10), record("h", 9)})})})},
+       {execution(0, 0,
+                  {record("p", 2, dataTypeU64, {record("c", 4, dataTypeU64, {record("g", 6)})})}),
+        execution(0, 0,
+                  {record("p", 4, dataTypeU64,
+                          {record("c", 8, dataTypeU64, {record("g", 10), record("h", 9)})})})},
        0,
        0,
        "p=3:164x2{c=6:164x2{g=8:164x2 h=9:164x1}}"},

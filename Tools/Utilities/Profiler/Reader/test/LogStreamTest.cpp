@@ -3,11 +3,13 @@
 #include "log/LogWriter.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
+#include "support/LogSpecs.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
+
+#include <sys/mman.h>
 
 namespace kvt::profiling {
 namespace {
@@ -21,18 +23,10 @@ std::vector<uint8_t> bufferOf(const ChunkSpec& chunk) {
   return bytes;
 }
 
-MessageSpec message(int8_t methodType, uint64_t timestamp = 0) {
-  MessageSpec described;
-  described.methodType = methodType;
-  described.stampTimestamp = timestamp;
-  described.timing = TimingSpec{10, 20};
-  return described;
-}
+using testing::chunkOf;
 
-ChunkSpec chunkOf(std::vector<MessageSpec> messages) {
-  ChunkSpec chunk;
-  chunk.messages = std::move(messages);
-  return chunk;
+MessageSpec message(int8_t methodType, uint64_t timestamp = 0) {
+  return testing::messageSpec(methodType, {}, timestamp, {10, 20});
 }
 
 EventSpec nestedEvents(int depth) {
@@ -43,113 +37,80 @@ EventSpec nestedEvents(int depth) {
   return event;
 }
 
-void writeRootOffset(std::vector<uint8_t>& buffer, uint32_t offset) {
-  for (int i = 0; i < 4; ++i)
-    buffer[i] = uint8_t(offset >> (8 * i));
-}
-
 TEST(FlatBufferReaderUtil, AcceptsAndRejectsBuffers) {
+  auto withRootOffset = [](uint32_t offset) {
+    std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
+    for (size_t i = 0; i < 4; ++i)
+      buffer[i] = uint8_t(offset >> (8 * i));
+    return buffer;
+  };
+  auto withMessage = [](void (*change)(MessageSpec&)) {
+    MessageSpec described = message(1);
+    change(described);
+    return bufferOf(chunkOf({described}));
+  };
+  std::vector<uint8_t> unterminated = withMessage([](MessageSpec& m) { m.graphName = "graph"; });
+  const std::string name = "graph";
+  std::search(unterminated.begin(), unterminated.end(), name.begin(), name.end())[5] = 'x';
+  std::vector<uint8_t> elevenBytes = bufferOf(chunkOf({message(7)}));
+  elevenBytes.resize(11);
+
   struct Case {
     const char* what;
-    std::function<std::vector<uint8_t>()> makeBuffer;
+    std::vector<uint8_t> buffer;
     bool accepted;
   };
   const Case cases[] = {
-      {"valid chunk", [] { return bufferOf(chunkOf({message(7)})); }, true},
-      {"root without messages", [] { return bufferOf(ChunkSpec{}); }, true},
-      {"message without method type",
-       [] {
-         MessageSpec described = message(0);
-         described.methodType.reset();
-         return bufferOf(chunkOf({described}));
-       },
+      {"valid chunk", bufferOf(chunkOf({message(7)})), true},
+      {"root without messages", bufferOf(ChunkSpec{}), true},
+      {"message without method type", withMessage([](MessageSpec& m) { m.methodType.reset(); }),
        true},
-      {"11 bytes",
-       [] {
-         std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
-         buffer.resize(11);
-         return buffer;
-       },
+      {"11 bytes", elevenBytes, false},
+      {"empty", {}, false},
+      {"root offset 0", withRootOffset(0), false},
+      {"root offset with bit 31", withRootOffset(0x80000010u), false},
+      {"root offset at the end", withRootOffset(uint32_t(withRootOffset(0).size())), false},
+      {"all zeros", std::vector<uint8_t>(64, 0), false},
+      {"message without stamp", withMessage([](MessageSpec& m) { m.stampTimestamp.reset(); }),
        false},
-      {"empty", [] { return std::vector<uint8_t>(); }, false},
-      {"root offset 0",
-       [] {
-         std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
-         writeRootOffset(buffer, 0);
-         return buffer;
-       },
-       false},
-      {"root offset with bit 31",
-       [] {
-         std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
-         writeRootOffset(buffer, 0x80000010u);
-         return buffer;
-       },
-       false},
-      {"root offset at the end",
-       [] {
-         std::vector<uint8_t> buffer = bufferOf(chunkOf({message(7)}));
-         writeRootOffset(buffer, uint32_t(buffer.size()));
-         return buffer;
-       },
-       false},
-      {"all zeros", [] { return std::vector<uint8_t>(64, 0); }, false},
-      {"message without stamp",
-       [] {
-         MessageSpec described = message(7);
-         described.stampTimestamp.reset();
-         return bufferOf(chunkOf({described}));
-       },
-       false},
-      {"message without timing",
-       [] {
-         MessageSpec described = message(7);
-         described.timing.reset();
-         return bufferOf(chunkOf({described}));
-       },
-       false},
-      {"string without terminator",
-       [] {
-         MessageSpec described = message(1);
-         described.graphName = "graphname";
-         std::vector<uint8_t> buffer = bufferOf(chunkOf({described}));
-         const std::string name = "graphname";
-         auto at = std::search(buffer.begin(), buffer.end(), name.begin(), name.end());
-         at[name.size()] = 'x'; // the NUL after the name
-         return buffer;
-       },
-       false},
+      {"message without timing", withMessage([](MessageSpec& m) { m.timing.reset(); }), false},
+      {"string without terminator", unterminated, false},
       {"event tree within the depth limit",
-       [] {
-         MessageSpec described = message(1);
-         described.events = std::vector<EventSpec>{nestedEvents(55)};
-         return bufferOf(chunkOf({described}));
-       },
-       true},
+       withMessage([](MessageSpec& m) { m.events = std::vector{nestedEvents(55)}; }), true},
       {"event tree deeper than the depth limit",
-       [] {
-         MessageSpec described = message(1);
-         described.events = std::vector<EventSpec>{nestedEvents(70)};
-         return bufferOf(chunkOf({described}));
-       },
-       false},
+       withMessage([](MessageSpec& m) { m.events = std::vector{nestedEvents(70)}; }), false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     CapturingLogger logger;
     FlatBufferReaderUtil reader;
-    const std::vector<uint8_t> buffer = c.makeBuffer();
-    EXPECT_EQ(reader.loadBuffer(buffer), c.accepted);
+    EXPECT_EQ(reader.loadBuffer(c.buffer), c.accepted);
     EXPECT_EQ(logger.contains(logError, "Corrupted flatbuffer binary stream"), !c.accepted);
   }
+}
+
+// The verifier cannot hold a buffer of its largest size: a valid chunk at the start of one is
+// refused. Only the pages written here take memory.
+TEST(FlatBufferReaderUtil, RefusesABufferOfTheVerifiersLargestSize) {
+  void* pages = mmap(nullptr, ChunkLimits::maxBytes, PROT_READ | PROT_WRITE,
+                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  ASSERT_NE(pages, MAP_FAILED);
+  const std::vector<uint8_t> chunk = bufferOf(chunkOf({message(7)}));
+  std::copy(chunk.begin(), chunk.end(), static_cast<uint8_t*>(pages));
+  CapturingLogger logger;
+  FlatBufferReaderUtil reader;
+  EXPECT_FALSE(
+      reader.loadBuffer(std::span(static_cast<const uint8_t*>(pages), ChunkLimits::maxBytes)));
+  EXPECT_TRUE(
+      reader.loadBuffer(std::span(static_cast<const uint8_t*>(pages), ChunkLimits::maxBytes - 1)));
+  munmap(pages, ChunkLimits::maxBytes);
 }
 
 TEST(FlatBufferReaderUtil, ARejectedBufferKeepsThePreviousOne) {
   FlatBufferReaderUtil reader;
   const std::vector<uint8_t> good = bufferOf(chunkOf({message(7, 1), message(7, 2)}));
-  const std::vector<uint8_t> bad(11, 0);
   ASSERT_TRUE(reader.loadBuffer(good));
-  EXPECT_FALSE(reader.loadBuffer(bad));
+  EXPECT_FALSE(reader.loadBuffer(std::vector<uint8_t>(11, 0)));
   EXPECT_EQ(reader.nextMessage()->stamp()->timestamp(), 1u);
 }
 

@@ -1,91 +1,57 @@
-// A whole parse through the reader where the golden cases cannot go: short and corrupt files, an
-// unknown method type, a very large chunk.
+// A whole parse through the reader where the golden cases cannot go: a corrupt chunk after good
+// ones, a very large chunk.
+#include "plugin/KvtProfileLogReader.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
-#include "support/ModelText.h"
-#include "support/ParsedLog.h"
+#include "support/CollectedExecutions.h"
+#include "support/LogSpecs.h"
+#include "support/StdoutCapture.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
 namespace kvt::profiling {
 namespace {
 
-using testing::CapturingLogger;
-using testing::modelText;
-using testing::parseChunks;
-using testing::ParsedLog;
-
 MessageSpec execute(uint64_t timestamp) {
-  EventSpec event;
-  event.identifier = "a";
-  event.valueU64 = 4;
-  MessageSpec described;
-  described.stampTimestamp = timestamp;
-  described.methodType = 1;
-  described.timing = TimingSpec{0, 10};
-  described.events = std::vector{event};
-  described.graphName = "g";
-  return described;
-}
-
-ChunkSpec chunkOf(std::vector<MessageSpec> messages, bool withHeader = false) {
-  ChunkSpec chunk;
-  chunk.messages = std::move(messages);
-  if (withHeader)
-    chunk.header = HeaderSpec();
-  return chunk;
-}
-
-TEST(ParseLog, GoesOnAfterAnUnknownMethodType) {
-  CapturingLogger logger;
-  MessageSpec unknown = execute(2);
-  unknown.methodType = 42;
-  const ParsedLog log = parseChunks(std::vector{chunkOf({execute(1), unknown, execute(3)})});
-  ASSERT_TRUE(log.parsed);
-  EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Unknown method type."});
-  EXPECT_EQ(log.executions->byGraph.find("g")->size(), 2u);
-}
-
-TEST(ParseLog, TreatsFilesShorterThanASizePrefixAsEmpty) {
-  for (const std::vector<uint8_t>& bytes : {std::vector<uint8_t>{}, {0xFF, 0xFF, 0xFF}}) {
-    SCOPED_TRACE(bytes.size());
-    CapturingLogger logger;
-    const testing::TempDir dir;
-    const ParsedLog log = testing::parseLogFile(dir.write("short.log", bytes));
-    EXPECT_TRUE(log.parsed);
-    EXPECT_FALSE(log.reader->headerDetails().headerSaved);
-    EXPECT_EQ(modelText(log.reader->eventModel()), "");
-    EXPECT_EQ(log.printed, "");
-    EXPECT_TRUE(logger.reports().empty());
-  }
+  return testing::messageSpec(1, {testing::eventSpec("a", 0, 4)}, timestamp, {0, 10});
 }
 
 // A corrupt chunk stops the parse: what came before stays, nothing is derived or printed.
 TEST(ParseLog, KeepsTheChunksBeforeACorruptOne) {
-  CapturingLogger logger;
-  const std::vector<ChunkSpec> good = {chunkOf({execute(1)}, true), chunkOf({execute(2)})};
-  std::vector<uint8_t> bytes = buildLog(good);
+  ChunkSpec first = testing::chunkOf({execute(1)});
+  first.header = HeaderSpec();
+  std::vector<uint8_t> bytes = buildLog(std::vector{first, testing::chunkOf({execute(2)})});
   const std::vector<uint8_t> corrupt = frameChunk(std::vector<uint8_t>(16, 0xAB));
-  bytes.insert(bytes.begin() + ptrdiff_t(buildChunk(good[0]).size()), corrupt.begin(),
-               corrupt.end());
+  bytes.insert(bytes.begin() + ptrdiff_t(buildChunk(first).size()), corrupt.begin(), corrupt.end());
   const testing::TempDir dir;
-  const ParsedLog log = testing::parseLogFile(dir.write("corrupt.log", bytes));
-  EXPECT_FALSE(log.parsed);
+  KvtProfileLogReader reader(dir.write("corrupt.log", bytes), VisibilityLevel{1});
+  testing::CollectedExecutions kept;
+  reader.addExecutionConsumer(kept.consumer());
+  testing::CapturingLogger logger;
+  const testing::StdoutCapture printed;
+
+  EXPECT_FALSE(reader.parseLog(false));
+
   EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Corrupted flatbuffer binary stream"});
-  EXPECT_TRUE(log.reader->headerDetails().headerSaved);
-  EXPECT_EQ(modelText(log.reader->eventModel(), log.executions->byGraph), "execution g 1/10 [a]");
-  EXPECT_EQ(log.printed, "");
+  EXPECT_TRUE(reader.headerDetails().headerSaved);
+  ASSERT_EQ(kept.byGraph.size(), 1u);
+  ASSERT_EQ(kept.byGraph.find("g")->size(), 1u);
+  EXPECT_EQ(kept.byGraph.find("g")->front().timestamp, 1u);
+  EXPECT_TRUE(reader.eventModel().averageExecutionByGraph.empty());
+  EXPECT_EQ(printed.text(), "");
 }
 
 // The verifier's table limit is far above a million; such a chunk is ordinary input.
 TEST(ParseLog, ReadsAMillionMessageChunk) {
-  constexpr size_t messages = 1000000;
-  MessageSpec compose;
-  compose.methodType = 7;
-  compose.timing = TimingSpec{0, 3};
-  const ParsedLog log = testing::parseMessages(std::vector<MessageSpec>(messages, compose));
-  ASSERT_TRUE(log.parsed);
-  EXPECT_EQ(log.reader->eventModel().composeGraphsTiming.duration, 3u);
+  const MessageSpec compose = testing::messageSpec(7, {}, 0, {0, 3});
+  const testing::TempDir dir;
+  KvtProfileLogReader reader(
+      dir.write("large.log", buildLog(std::vector{
+                                 testing::chunkOf(std::vector<MessageSpec>(1000000, compose))})),
+      VisibilityLevel{1});
+  ASSERT_TRUE(reader.parseLog(false));
+  EXPECT_EQ(reader.eventModel().composeGraphsTiming.duration, 3u);
 }
 
 } // namespace

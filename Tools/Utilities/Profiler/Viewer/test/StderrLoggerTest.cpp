@@ -15,15 +15,10 @@ std::string expand(const char* format, ...) {
 }
 
 TEST(StderrLogger, ExpandsFormatsWithTheirArguments) {
-  EXPECT_EQ(expand("Invalid or nonexistent file: %s", "a.log"),
-            "Invalid or nonexistent file: a.log");
-  EXPECT_EQ(expand("(Message Counter: %d) %u%%", -3, 7u), "(Message Counter: -3) 7%");
-  EXPECT_EQ(expand("no arguments"), "no arguments");
+  const std::string path(100000, 'p'); // longer than any fixed buffer
+  EXPECT_EQ(expand("(Message Counter: %d) %u%% of %s", -3, 7u, "a.log"),
+            "(Message Counter: -3) 7% of a.log");
   EXPECT_EQ(expand(""), "");
-}
-
-TEST(StderrLogger, KeepsLongMessagesWhole) {
-  const std::string path(100000, 'p');
   EXPECT_EQ(expand("Invalid output chrometraceFile: [%s]", path.c_str()),
             "Invalid output chrometraceFile: [" + path + "]");
 }

@@ -34,7 +34,7 @@ TEST(ViewerInstall, RunsFromTheInstalledLayoutInAnyDirectory) {
     expectGolden("missing-input.stderr", run.standardError);
   }
 
-  const std::string log = KVT_READER_GOLDEN_LOG_DIR "/detailed-execution.log";
+  const std::string log = KVT_GOLDEN_LOG_DIR "/detailed-execution.log";
   const ProgramRun run =
       runProgram(program, {"--input", log, "--output", "trace.json"}, elsewhere.path());
   EXPECT_EQ(run.exitCode, 0) << run.standardError;

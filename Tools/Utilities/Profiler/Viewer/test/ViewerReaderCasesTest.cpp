@@ -16,7 +16,7 @@ using testing::readFile;
 using testing::runProgram;
 using testing::TempDir;
 
-const fs::path caseLogDir = KVT_READER_GOLDEN_LOG_DIR;
+const fs::path caseLogDir = KVT_GOLDEN_LOG_DIR;
 
 // One way of running the viewer on a case, and the expected files it is compared with.
 struct ViewerVariant {

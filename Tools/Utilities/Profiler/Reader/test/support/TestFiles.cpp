@@ -1,6 +1,7 @@
 // Temporary directories and fixture paths.
 #include "TestFiles.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <fstream>
@@ -54,6 +55,16 @@ std::string readFile(const std::filesystem::path& path) {
 
 std::string fixtureLog(const std::string& name) {
   return std::string(KVT_FIXTURE_DIR "/") + name + ".log";
+}
+
+std::vector<std::string> fixtureAndGoldenLogs() {
+  std::vector<std::string> logs;
+  for (const char* dir : {KVT_FIXTURE_DIR, KVT_GOLDEN_LOG_DIR})
+    for (const std::filesystem::directory_entry& entry : std::filesystem::directory_iterator(dir))
+      if (entry.path().extension() == ".log")
+        logs.push_back(entry.path().string());
+  std::sort(logs.begin(), logs.end());
+  return logs;
 }
 
 } // namespace kvt::profiling::testing

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace kvt::profiling::testing {
 
@@ -30,5 +31,8 @@ std::string readFile(const std::filesystem::path& path);
 
 // Where the fixture logs compiled from test/fixtures/NAME.json lie: NAME.log.
 std::string fixtureLog(const std::string& name);
+
+// Every log compiled from test/fixtures and test/golden, sorted.
+std::vector<std::string> fixtureAndGoldenLogs();
 
 } // namespace kvt::profiling::testing
