@@ -2,7 +2,7 @@
 // left of new afterwards was added.
 #include "RunComparison.h"
 
-#include "RankTest.h"
+#include "MannWhitney.h"
 #include "SeriesSummary.h"
 
 #include <unordered_map>

@@ -1,6 +1,6 @@
 // The two rules of the statistics that small logs express badly: which value a nearest-rank
 // percentile picks, and the p-value of the rank test on small known samples.
-#include "RankTest.h"
+#include "MannWhitney.h"
 #include "SeriesSummary.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The rank test by one merge of the two sorted samples: each run of equal values gets the mean
 // of its ranks, and its size feeds the tie correction of the variance.
-#include "RankTest.h"
+#include "MannWhitney.h"
 
 #include <algorithm>
 #include <cmath>
