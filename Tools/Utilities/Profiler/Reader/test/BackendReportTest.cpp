@@ -23,7 +23,7 @@ EventRecord objectRecord(const std::string& fileName, EventList children = {}) {
   EventRecord record = eventRecord("blob", 0, unitObject, 0, std::move(children));
   record.value.dataType = dataTypeBytes;
   record.message = fileName;
-  record.bytes = {'a', 0, '\n', 0xFF};
+  record.bytes = {'a', 0, '\n', 0xFF}; // a line feed that Windows' text mode would widen
   return record;
 }
 

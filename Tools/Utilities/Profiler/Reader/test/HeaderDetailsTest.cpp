@@ -3,6 +3,7 @@
 
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
+#include "support/UtcTimeZone.h"
 
 #include <gtest/gtest.h>
 
@@ -15,10 +16,7 @@ namespace {
 
 class HeaderDetailsTest : public ::testing::Test {
 protected:
-  void SetUp() override {
-    setenv("TZ", "UTC", 1);
-    tzset();
-  }
+  void SetUp() override { testing::useUtcLocalTime(); }
 };
 
 LogHeaderDetails savedHeader() {

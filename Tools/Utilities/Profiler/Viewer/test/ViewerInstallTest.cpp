@@ -39,8 +39,9 @@ TEST(ViewerInstall, RunsFromTheInstalledLayoutInAnyDirectory) {
       runProgram(program, {"--input", log, "--output", "trace.json"}, elsewhere.path());
   EXPECT_EQ(run.exitCode, 0) << run.standardError;
   const std::filesystem::path expected = goldenCaseDir / "detailed-execution";
-  EXPECT_EQ(run.standardOutput, readFile(expected / "expected.trace.stdout"));
-  EXPECT_EQ(readFile(elsewhere.path() / "trace.json"), readFile(expected / "expected.trace.json"));
+  EXPECT_EQ(run.standardOutput, testing::expectedTextFile(expected / "expected.trace.stdout"));
+  EXPECT_EQ(readFile(elsewhere.path() / "trace.json"),
+            testing::expectedTextFile(expected / "expected.trace.json"));
 }
 
 } // namespace

@@ -6,7 +6,11 @@
 #include <fstream>
 #include <sstream>
 
+#if defined(_WIN32)
+#include <process.h>
+#else
 #include <unistd.h>
+#endif
 
 namespace kvt::profiling::testing {
 
@@ -15,16 +19,27 @@ namespace {
 // Memory-backed when the machine has it: tests that rewrite files thousands of times would
 // otherwise wait on the disk's flushes of truncated files.
 std::filesystem::path scratchRoot() {
+#if defined(__linux__)
   if (!std::getenv("TMPDIR") && std::filesystem::is_directory("/dev/shm"))
     return "/dev/shm";
+#endif
   return std::filesystem::temp_directory_path();
+}
+
+int processId() {
+#if defined(_WIN32)
+  return _getpid();
+#else
+  return getpid();
+#endif
 }
 
 } // namespace
 
 TempDir::TempDir() {
   static std::atomic<unsigned> counter{0};
-  root = scratchRoot() / ("kvt-test-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
+  root =
+      scratchRoot() / ("kvt-test-" + std::to_string(processId()) + "-" + std::to_string(counter++));
   std::filesystem::remove_all(root);
   std::filesystem::create_directories(root);
 }
