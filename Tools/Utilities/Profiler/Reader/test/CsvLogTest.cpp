@@ -162,7 +162,7 @@ TEST(CsvOutputs, PrintsTheSummaryOnceTheCsvFileIsComplete) {
 
   EXPECT_TRUE(writeCsvOutputs(csvPath, contextOf(model, header)));
 
-  const std::string expectedCsv = csvLogOf(model);
+  const std::string expectedCsv = testing::asWrittenInTextMode(csvLogOf(model));
   EXPECT_EQ(readFile(csvPath), expectedCsv);
   EXPECT_EQ(printed.csv, expectedCsv);
   EXPECT_NE(printed.str(), "");

@@ -121,8 +121,8 @@ void compareOrUpdate(const fs::path& caseDir, const ReaderVariant& variant,
     }
     ASSERT_TRUE(fs::exists(expectedPath))
         << expectedPath << " is missing; run with KVT_UPDATE_GOLDEN=1 and review the result";
-    EXPECT_EQ(actual,
-              writtenInTextMode ? testing::expectedTextFile(expectedPath) : readFile(expectedPath));
+    EXPECT_EQ(actual, writtenInTextMode ? testing::asWrittenInTextMode(readFile(expectedPath))
+                                        : readFile(expectedPath));
   }
 }
 

@@ -87,11 +87,14 @@ TEST(ViewerProgram, PassesTheExtendedBackendReportFlag) {
 }
 
 TEST(ViewerProgram, ExplainsAReaderLibraryThatCannotBeLoaded) {
-  const ProgramRun run = runViewer({"--input", "a.log", "--reader", "/nonexistent/libR.so"});
+  // Absolute on every platform: Windows' paths start with the drive.
+  const std::string missing =
+      (std::filesystem::current_path().root_path() / "nonexistent" / "libR.so").string();
+  const ProgramRun run = runViewer({"--input", "a.log", "--reader", missing});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.standardOutput, "");
-  EXPECT_TRUE(run.standardError.starts_with(
-      "kvt-profile-viewer: cannot load reader library /nonexistent/libR.so: "))
+  EXPECT_TRUE(run.standardError.starts_with("kvt-profile-viewer: cannot load reader library " +
+                                            missing + ": "))
       << run.standardError;
 }
 
@@ -99,9 +102,13 @@ TEST(ViewerProgram, RefusesALibraryWithoutTheReaderExports) {
   const ProgramRun run = runViewer({"--input", "a.log", "--reader", KVT_NOT_A_READER});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.standardOutput, "");
-  EXPECT_EQ(run.standardError, std::string("kvt-profile-viewer: ") + KVT_NOT_A_READER +
-                                   " is not a reader library: it does not export createReader, "
-                                   "deleteReader, registerLogger, unregisterLogger\n");
+  // The path as the viewer prints it: in the platform's own form.
+  const std::string library = std::filesystem::path(KVT_NOT_A_READER).lexically_normal().string();
+  EXPECT_EQ(run.standardError,
+            testing::asWrittenInTextMode("kvt-profile-viewer: " + library +
+                                         " is not a reader library: it does not export "
+                                         "createReader, deleteReader, registerLogger, "
+                                         "unregisterLogger\n"));
 }
 
 } // namespace

@@ -2,8 +2,6 @@
 // switch that rewrites expected files.
 #pragma once
 
-#include "support/TestFiles.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -43,17 +41,6 @@ inline std::string goldenCaseTestName(const ::testing::TestParamInfo<std::string
 inline bool updatingGolden() {
   const char* update = std::getenv("KVT_UPDATE_GOLDEN");
   return update && std::string(update) == "1";
-}
-
-// An expected text file's content as a program writes it in text mode here: Windows ends the
-// lines of text files and of the standard streams with CRLF, so the LF files hold for both.
-inline std::string expectedTextFile(const std::filesystem::path& path) {
-  std::string text = readFile(path);
-#if defined(_WIN32)
-  for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 2))
-    text.insert(at, 1, '\r');
-#endif
-  return text;
 }
 
 } // namespace kvt::profiling::testing

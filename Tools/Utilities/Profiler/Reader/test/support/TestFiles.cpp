@@ -67,6 +67,14 @@ std::string readFile(const std::filesystem::path& path) {
   return text.str();
 }
 
+std::string asWrittenInTextMode(std::string text) {
+#if defined(_WIN32)
+  for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 2))
+    text.insert(at, 1, '\r');
+#endif
+  return text;
+}
+
 std::string fixtureLog(const std::string& name) {
   return std::string(KVT_FIXTURE_DIR "/") + name + ".log";
 }
