@@ -38,19 +38,24 @@ void printTarget(const std::string& name, const Measured& target, uint64_t logBy
 }
 
 void printScalingHeader() {
-  std::printf("\nscaling: the trace reader on one graph\n");
-  std::printf("%-16s %10s %6s %9s %10s %9s %9s %8s %13s\n", "", "executions", "steps", "MB",
-              "M records", "floor s", "reader s", "ns/rec", "peak RSS MiB");
+  std::printf("\nscaling: both readers on one graph (seconds, ns per record, peak RSS MiB)\n");
+  std::printf("%-10s %10s %6s %8s %9s %8s %8s %7s %7s %8s %7s %7s\n", "", "executions", "steps",
+              "MB", "M records", "floor s", "trace s", "ns/rec", "MiB", "CSV s", "ns/rec", "MiB");
 }
 
 void printScalingRow(const std::string& label, uint64_t executions, uint32_t steps,
                      uint64_t logBytes, const LogWalk& walk, const Measured& floor,
-                     const Measured& reader) {
-  std::printf("%-16s %10llu %6u %9.1f %10.2f %9.3f %9.3f %8.1f %13.1f\n", label.c_str(),
-              (unsigned long long)executions, steps, double(logBytes) / megabyte,
-              double(walk.events) / 1e6, floor.seconds, reader.seconds,
-              reader.seconds * 1e9 / double(walk.events),
-              double(reader.peakResidentBytes) / mebibyte);
+                     const Measured& trace, const std::optional<Measured>& csv) {
+  const double records = double(walk.events);
+  std::printf("%-10s %10llu %6u %8.1f %9.2f %8.3f %8.3f %7.1f %7.1f", label.c_str(),
+              (unsigned long long)executions, steps, double(logBytes) / megabyte, records / 1e6,
+              floor.seconds, trace.seconds, trace.seconds * 1e9 / records,
+              double(trace.peakResidentBytes) / mebibyte);
+  if (csv)
+    std::printf(" %8.3f %7.1f %7.1f\n", csv->seconds, csv->seconds * 1e9 / records,
+                double(csv->peakResidentBytes) / mebibyte);
+  else
+    std::printf(" %8s %7s %7s\n", "-", "-", "-");
   std::fflush(stdout);
 }
 

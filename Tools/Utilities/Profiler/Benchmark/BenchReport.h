@@ -5,6 +5,7 @@
 #include "FloorWalk.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace kvt::profiling {
@@ -23,9 +24,10 @@ void printTarget(const std::string& name, const Measured& target, uint64_t logBy
                  const Measured& floor);
 
 void printScalingHeader();
-// One log of the series: its executions, size and records; the floor and the trace reader on it.
+// One log of the series: its executions, size and records; the floor, the trace reader and, when
+// measured, the CSV reader on it.
 void printScalingRow(const std::string& label, uint64_t executions, uint32_t steps,
                      uint64_t logBytes, const LogWalk& walk, const Measured& floor,
-                     const Measured& reader);
+                     const Measured& trace, const std::optional<Measured>& csv);
 
 } // namespace kvt::profiling

@@ -79,7 +79,7 @@ TEST(LogSynth, ReaderParsesTheRunTheLogDescribes) {
   const EventModel& model = parsed.reader->eventModel();
   EXPECT_EQ(model.queueWaitByGraph.size(), 3u);
   std::vector<std::string> graphs;
-  for (const auto& [graph, executions] : model.executionsByGraph) {
+  for (const auto& [graph, executions] : parsed.executions->byGraph) {
     graphs.push_back(graph);
     EXPECT_EQ(executions.size(), 4u);
   }

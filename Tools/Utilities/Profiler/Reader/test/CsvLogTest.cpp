@@ -1,7 +1,9 @@
 // The CSV rows that the golden cases cannot reach from one log (held-back back-end rows, rates
 // that are not written), and the output frame around the file and the summary.
 #include "text/CsvLog.h"
+#include "log/LogWriter.h"
 #include "model/EventModel.h"
+#include "plugin/KvtProfileLogReader.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
 #include "support/EventRecords.h"
@@ -11,6 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
@@ -32,10 +37,19 @@ ReportContext contextOf(const EventModel& model, const LogHeaderDetails& header)
                        writeBackendCsvRows};
 }
 
-std::string csvLogOf(const EventModel& model, const LogHeaderDetails& header = {}) {
-  std::ostringstream out;
-  writeCsvLog(out, contextOf(model, header));
-  return out.str();
+// The model's outputs with no execution rows of its own.
+bool writeOutputsOf(const std::string& csvPath, const EventModel& model,
+                    const LogHeaderDetails& header = {}) {
+  CsvExecutionSpill noExecutions(writeBackendCsvRows);
+  return writeCsvOutputs(csvPath, contextOf(model, header), noExecutions);
+}
+
+std::string csvLogOf(const EventModel& model) {
+  const TempDir dir;
+  const std::filesystem::path csvPath = dir.path() / "events.csv";
+  const StdoutCapture summary;
+  EXPECT_TRUE(writeOutputsOf(csvPath.string(), model));
+  return readFile(csvPath);
 }
 
 // The data rows: everything after the three version lines and the column header.
@@ -160,7 +174,7 @@ TEST(CsvOutputs, PrintsTheSummaryOnceTheCsvFileIsComplete) {
   const LogHeaderDetails header;
   CsvAtFirstPrint printed(csvPath);
 
-  EXPECT_TRUE(writeCsvOutputs(csvPath, contextOf(model, header)));
+  EXPECT_TRUE(writeOutputsOf(csvPath, model));
 
   const std::string expectedCsv = testing::asWrittenInTextMode(csvLogOf(model));
   EXPECT_EQ(readFile(csvPath), expectedCsv);
@@ -175,13 +189,13 @@ TEST(CsvOutputs, EmptyPathPrintsTheSummaryWithoutAFile) {
   std::string withFile;
   {
     StdoutCapture printed;
-    ASSERT_TRUE(writeCsvOutputs((dir.path() / "events.csv").string(), contextOf(model, header)));
+    ASSERT_TRUE(writeOutputsOf((dir.path() / "events.csv").string(), model));
     withFile = printed.text();
   }
   std::filesystem::remove(dir.path() / "events.csv");
   StdoutCapture printed;
 
-  EXPECT_TRUE(writeCsvOutputs("", contextOf(model, header)));
+  EXPECT_TRUE(writeOutputsOf("", model));
 
   EXPECT_TRUE(std::filesystem::is_empty(dir.path()));
   EXPECT_EQ(printed.text(), withFile);
@@ -195,11 +209,64 @@ TEST(CsvOutputs, UnwritablePathReportsAndPrintsNothing) {
   CapturingLogger logger(logError);
   StdoutCapture printed;
 
-  EXPECT_FALSE(writeCsvOutputs(csvPath, contextOf(model, header)));
+  EXPECT_FALSE(writeOutputsOf(csvPath, model));
 
   EXPECT_EQ(printed.text(), "");
   EXPECT_EQ(logger.texts(logError),
             std::vector<std::string>{"Invalid output csvfile: [" + csvPath + "]"});
+  EXPECT_FALSE(std::filesystem::exists(csvPath));
+}
+
+// Files may grow to limitBytes while it lives; beyond it a write fails as on a full disk.
+class FileSizeLimit {
+public:
+  explicit FileSizeLimit(rlim_t limitBytes) : previousSignal(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &previous);
+    rlimit limited = previous;
+    limited.rlim_cur = limitBytes;
+    setrlimit(RLIMIT_FSIZE, &limited);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &previous);
+    std::signal(SIGXFSZ, previousSignal);
+  }
+
+private:
+  rlimit previous{};
+  void (*previousSignal)(int);
+};
+
+// Execution rows wait in temporary files until the event log is written; when they cannot all
+// be kept there, the reader writes no event log rather than one with rows missing.
+TEST(CsvOutputs, RowsWithoutTemporarySpaceGiveNoFile) {
+  const TempDir dir;
+  MessageSpec execution;
+  execution.methodType = 1;
+  execution.graphName = "g";
+  execution.timing = TimingSpec{0, 10};
+  execution.events = std::vector<EventSpec>(4);
+  ChunkSpec chunk;
+  chunk.messages = std::vector<MessageSpec>(2000, execution); // about 100 kB of rows
+  const std::string log = dir.write("run.log", buildLog(std::span(&chunk, 1)));
+  const std::string csvPath = (dir.path() / "events.csv").string();
+  KvtProfileLogReader reader(log, VisibilityLevel::keepAll);
+  CapturingLogger logger(logError);
+  StdoutCapture printed;
+  {
+    const FileSizeLimit limit(16 * 1024);
+    ASSERT_TRUE(reader.parseLog(false));
+  }
+
+  EXPECT_FALSE(reader.writeOutputs(csvPath));
+
+  EXPECT_EQ(printed.text(), "");
+  ASSERT_EQ(logger.texts(logError).size(), 1u);
+  EXPECT_EQ(logger.texts(logError)[0],
+            "Could not write the CSV event log to a temporary file: File too large; no csvfile "
+            "written: [" +
+                csvPath + "]");
   EXPECT_FALSE(std::filesystem::exists(csvPath));
 }
 

@@ -43,7 +43,7 @@ TEST(ParseLog, GoesOnAfterAnUnknownMethodType) {
   const ParsedLog log = parseChunks(std::vector{chunkOf({execute(1), unknown, execute(3)})});
   ASSERT_TRUE(log.parsed);
   EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Unknown method type."});
-  EXPECT_EQ(log.reader->eventModel().executionsByGraph.find("g")->size(), 2u);
+  EXPECT_EQ(log.executions->byGraph.find("g")->size(), 2u);
 }
 
 TEST(ParseLog, TreatsFilesShorterThanASizePrefixAsEmpty) {
@@ -73,7 +73,7 @@ TEST(ParseLog, KeepsTheChunksBeforeACorruptOne) {
   EXPECT_FALSE(log.parsed);
   EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Corrupted flatbuffer binary stream"});
   EXPECT_TRUE(log.reader->headerDetails().headerSaved);
-  EXPECT_EQ(modelText(log.reader->eventModel()), "execution g 1/10 [a]");
+  EXPECT_EQ(modelText(log.reader->eventModel(), log.executions->byGraph), "execution g 1/10 [a]");
   EXPECT_EQ(log.printed, "");
 }
 

@@ -10,13 +10,36 @@ namespace kvt::profiling {
 
 namespace {
 
-// The records of a range of event pointers, in its order.
-template <typename Events> EventList buildRecords(const Events& events) {
-  EventList records;
-  records.reserve(events.size());
+constexpr unsigned everyLevel = ~0u; // depth of a build that copies whole subtrees
+
+void fillRecord(const schema::Event& event, unsigned depth, EventRecord& record);
+
+// Fills records from a range of event pointers, in its order, reusing what records held.
+template <typename Events>
+void fillRecords(const Events& events, unsigned depth, EventList& records) {
+  records.resize(events.size());
+  auto record = records.begin();
   for (const schema::Event* event : events)
-    records.push_back(buildEventRecord(*event));
-  return records;
+    fillRecord(*event, depth, *record++);
+}
+
+void fillRecord(const schema::Event& event, unsigned depth, EventRecord& record) {
+  const EventVector* children = depth > 1 ? event.child_events() : nullptr;
+  if (children)
+    fillRecords(*children, depth - 1, record.children);
+  else
+    record.children.clear();
+  record.bytes.clear();
+  readEventValue(event, record);
+  record.identifier = readIdentifier(event);
+  if (const flatbuffers::String* message = event.message())
+    record.message.assign(message->data(), message->size());
+  else
+    record.message.clear();
+  record.eventType = event.event_type();
+  record.unit = event.unit();
+  record.timestamp = event.timestamp();
+  record.count = 1;
 }
 
 } // namespace
@@ -27,25 +50,25 @@ EventList buildEventList(const schema::Message& message) {
 }
 
 EventList buildSubEventList(const EventVector& events) {
-  return buildRecords(events);
+  EventList records;
+  fillRecords(events, everyLevel, records);
+  return records;
 }
 
 EventList buildEventRecords(std::span<const schema::Event* const> events) {
-  return buildRecords(events);
+  EventList records;
+  fillRecords(events, everyLevel, records);
+  return records;
+}
+
+void buildEventRecords(std::span<const schema::Event* const> events, unsigned depth,
+                       EventList& records) {
+  fillRecords(events, depth, records);
 }
 
 EventRecord buildEventRecord(const schema::Event& event) {
   EventRecord record;
-  if (const EventVector* children = event.child_events())
-    record.children = buildSubEventList(*children);
-  readEventValue(event, record);
-  record.identifier = readIdentifier(event);
-  if (const flatbuffers::String* message = event.message())
-    record.message = message->str();
-  record.eventType = event.event_type();
-  record.unit = event.unit();
-  record.timestamp = event.timestamp();
-  record.count = 1;
+  fillRecord(event, everyLevel, record);
   return record;
 }
 

@@ -19,6 +19,11 @@ EventList buildEventList(const schema::Message& message);
 EventList buildSubEventList(const EventVector& events);
 // The records of some of a message's events, in the order given.
 EventList buildEventRecords(std::span<const schema::Event* const> events);
+// The same into records, reusing the strings and lists it held, and only depth levels deep (1:
+// the events alone, 2: with their direct children): for writers that run once per execution and
+// look no deeper.
+void buildEventRecords(std::span<const schema::Event* const> events, unsigned depth,
+                       EventList& records);
 // One event's record with its whole subtree.
 EventRecord buildEventRecord(const schema::Event& event);
 // Sets record.value from the event's value_type: 1 value_i64 as dataTypeI64, 3 value_f32 as

@@ -36,9 +36,6 @@ struct RunningExecutions {
 };
 
 struct EventModel {
-  // Whether executionsByGraph keeps every execution, as the CSV event log needs. Either way each
-  // execution is folded into its graph's running average and queue waits as it comes.
-  bool keepsEveryExecution = true;
   TimingPair initTiming;          // derived after parsing
   TimingPair unnamedTiming;       // type 6
   TimingPair composeGraphsTiming; // type 7
@@ -48,9 +45,8 @@ struct EventModel {
   GraphMap<FinalizeEntry> finalizeByGraph;
   bool hasFinalize = false;
   bool hasFinalizeEvents = false;
-  GraphMap<std::vector<ExecutionEntry>> executionsByGraph; // only with keepsEveryExecution
   bool queueWaitMode = false;
-  RunningExecutions runningExecutions;              // while parsing; emptied after it
+  RunningExecutions runningExecutions; // while parsing, by the readers' consumer; emptied after
   GraphMap<ExecutionEntry> averageExecutionByGraph; // derived after parsing
   GraphMap<std::vector<uint64_t>> queueWaitByGraph; // derived after parsing, one per execution
   RunLevelSlot executeOverallSlot;                  // type 8

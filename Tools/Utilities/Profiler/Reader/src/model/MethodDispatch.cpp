@@ -6,7 +6,6 @@
 #include "plugin/Logging.h"
 
 #include <optional>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -97,54 +96,11 @@ RoutedEvents routeEvents(GraphStep step, const schema::Message& message) {
   return routed;
 }
 
-// The payload of the one queue-wait event among an execution's top-level events and their
-// children; none when there is no such event or more than one.
-std::optional<uint64_t> findSingleQueueWait(std::span<const schema::Event* const> events) {
-  size_t seen = 0;
-  uint64_t payload = 0;
-  auto visit = [&](const schema::Event& event) {
-    if (event.event_type() == queueWaitEvent) {
-      ++seen;
-      payload = readTaggedValue(event).payload;
-    }
-  };
-  for (const schema::Event* event : events) {
-    visit(*event);
-    if (const EventVector* children = event->child_events())
-      for (const schema::Event* child : *children)
-        visit(*child);
-  }
-  return seen == 1 ? std::optional(payload) : std::nullopt;
-}
-
-// Folds one execution into its graph's running average and queue waits, and keeps the execution
-// itself only when the model keeps every one.
-void fileExecution(EventModel& model, std::string_view graph, uint64_t duration, uint64_t timestamp,
-                   std::span<const schema::Event* const> events) {
-  RunningExecutions& running = model.runningExecutions;
-  if (!running.queueWaitMissing) {
-    if (const std::optional<uint64_t> queueWait = findSingleQueueWait(events)) {
-      running.queueWaitByGraph.getOrCreate(graph).push_back(*queueWait);
-    } else {
-      running.queueWaitMissing = true;
-      running.queueWaitByGraph.clear(); // none of them will be reported
-    }
-  }
-  ExecutionAverager& average = running.averageByGraph.getOrCreate(graph);
-  if (!model.keepsEveryExecution) {
-    average.add(duration, timestamp, events);
-    return;
-  }
-  ExecutionEntry execution{duration, timestamp, buildEventRecords(events)};
-  average.add(execution);
-  model.executionsByGraph.getOrCreate(graph).push_back(std::move(execution));
-}
-
 // Types 1, 2, 3 and 9. Init events of any graph message replace the init list, even with none of
 // their own once some message had them; finalize entries are kept only once finalize events were
 // seen.
-bool handleGraph(EventModel& model, GraphStep step, const schema::Message& message,
-                 VisibilityLevel visibilityLevel) {
+bool handleGraph(EventModel& model, const ExecutionConsumers& consumers, GraphStep step,
+                 const schema::Message& message, VisibilityLevel visibilityLevel) {
   if (!isVisible(message, visibilityLevel))
     return false;
   const flatbuffers::String* graphName = message.graph_name();
@@ -166,8 +122,11 @@ bool handleGraph(EventModel& model, GraphStep step, const schema::Message& messa
   if (step != GraphStep::execute && model.hasFinalizeEvents)
     model.finalizeByGraph.getOrCreate(graph) =
         FinalizeEntry{duration, timestamp, buildEventRecords(routed.finalize)};
-  if (step != GraphStep::finalize)
-    fileExecution(model, graph, duration, timestamp, routed.execution);
+  if (step != GraphStep::finalize) {
+    const DispatchedExecution execution{graph, duration, timestamp, routed.execution};
+    for (const ExecutionConsumer& consume : consumers)
+      consume(execution);
+  }
   if (step == GraphStep::combined)
     model.hasCombinedExecute = true;
   return true;
@@ -175,16 +134,16 @@ bool handleGraph(EventModel& model, GraphStep step, const schema::Message& messa
 
 } // namespace
 
-bool dispatchMessage(EventModel& model, VisibilityLevel visibilityLevel,
-                     const schema::Message& message) {
+bool dispatchMessage(EventModel& model, const ExecutionConsumers& consumers,
+                     VisibilityLevel visibilityLevel, const schema::Message& message) {
   switch (static_cast<MethodType>(message.method_type())) {
   case MethodType::execute:
-    return handleGraph(model, GraphStep::execute, message, visibilityLevel);
+    return handleGraph(model, consumers, GraphStep::execute, message, visibilityLevel);
   case MethodType::finalize:
-    return handleGraph(model, GraphStep::finalize, message, visibilityLevel);
+    return handleGraph(model, consumers, GraphStep::finalize, message, visibilityLevel);
   case MethodType::executeWithQueueWait:
     model.queueWaitMode = true; // even when the handler then drops the message
-    return handleGraph(model, GraphStep::execute, message, visibilityLevel);
+    return handleGraph(model, consumers, GraphStep::execute, message, visibilityLevel);
   case MethodType::init:
     return handleRunLevel(model.initSlot, /*marksPresence=*/true, message, visibilityLevel);
   case MethodType::deinit:
@@ -197,7 +156,7 @@ bool dispatchMessage(EventModel& model, VisibilityLevel visibilityLevel,
     return handleRunLevel(model.executeOverallSlot, /*marksPresence=*/true, message,
                           visibilityLevel);
   case MethodType::executeCombined:
-    return handleGraph(model, GraphStep::combined, message, visibilityLevel);
+    return handleGraph(model, consumers, GraphStep::combined, message, visibilityLevel);
   case MethodType::libLoad:
     return handleRunLevel(model.libLoadSlot, /*marksPresence=*/true, message, visibilityLevel);
   }

@@ -2,15 +2,16 @@
 #pragma once
 
 #include "EventModel.h"
+#include "ExecutionSeam.h"
 #include "ProfileLog_generated.h"
 #include "plugin/VisibilityLevel.h"
 
 namespace kvt::profiling {
 
-// Files message in model unless its visibility is not below visibilityLevel. True when the
-// message was taken; false when it was dropped or its method type is unknown (reported as
-// "Unknown method type.").
-bool dispatchMessage(EventModel& model, VisibilityLevel visibilityLevel,
-                     const schema::Message& message);
+// Files message in model unless its visibility is not below visibilityLevel, and hands each
+// execution it carries to every consumer in order. True when the message was taken; false when
+// it was dropped or its method type is unknown (reported as "Unknown method type.").
+bool dispatchMessage(EventModel& model, const ExecutionConsumers& consumers,
+                     VisibilityLevel visibilityLevel, const schema::Message& message);
 
 } // namespace kvt::profiling

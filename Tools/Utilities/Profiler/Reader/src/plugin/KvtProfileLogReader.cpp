@@ -17,12 +17,27 @@ namespace kvt::profiling {
 
 KvtProfileLogReader::KvtProfileLogReader(const std::string& logPath,
                                          VisibilityLevel visibilityLevel)
-    : visibilityLevel(visibilityLevel), logPath(logPath) {}
+    : KvtProfileLogReader(logPath, visibilityLevel, WithoutCsvLog{}) {
+  // Each execution's rows are formatted as it comes; none is kept in memory for the event log.
+  csvExecutionRows.emplace(
+      [this](std::ostream& out, const EventList& events, uint64_t timestamp,
+             const std::string& method) { writeBackendCsvRows(out, events, timestamp, method); });
+  addExecutionConsumer(
+      [this](const DispatchedExecution& execution) { csvExecutionRows->add(execution); });
+}
+
+KvtProfileLogReader::KvtProfileLogReader(const std::string& logPath,
+                                         VisibilityLevel visibilityLevel, WithoutCsvLog)
+    : visibilityLevel(visibilityLevel), logPath(logPath) {
+  addExecutionConsumer([this](const DispatchedExecution& execution) {
+    foldIntoRunningAverage(model.runningExecutions, execution);
+  });
+}
 
 KvtProfileLogReader::~KvtProfileLogReader() = default;
 
 bool KvtProfileLogReader::writeOutputs(const std::string& outputPath) {
-  return writeCsvOutputs(outputPath, reportContext());
+  return writeCsvOutputs(outputPath, reportContext(), *csvExecutionRows);
 }
 
 std::string KvtProfileLogReader::printHeaderDetails() {
@@ -31,7 +46,7 @@ std::string KvtProfileLogReader::printHeaderDetails() {
 
 bool KvtProfileLogReader::readNextMessage() {
   if (const schema::Message* message = streamReader.nextMessage())
-    return dispatchMessage(model, visibilityLevel, *message);
+    return dispatchMessage(model, executionConsumers, visibilityLevel, *message);
   endOfMessages = true;
   logMessage(logVerbose, "profiling::KvtProfileLogReader reached EOF!");
   return false;
@@ -54,6 +69,10 @@ bool KvtProfileLogReader::parseLog(bool extendedBackendReport) {
   computeDerivedValues(model, warnings);
   std::cout << warnings.str() << std::flush;
   return true;
+}
+
+void KvtProfileLogReader::addExecutionConsumer(ExecutionConsumer consumer) {
+  executionConsumers.push_back(std::move(consumer));
 }
 
 bool KvtProfileLogReader::isReady() {

@@ -7,9 +7,12 @@
 #include "log/FlatBufferReaderUtil.h"
 #include "log/LogHeaderDetails.h"
 #include "model/EventModel.h"
+#include "model/ExecutionSeam.h"
+#include "text/CsvExecutionSpill.h"
 #include "text/ReportContext.h"
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -40,10 +43,17 @@ public:
   virtual void writeBackendCsvRows(std::ostream& out, const EventList& events,
                                    uint64_t messageTimestamp, const std::string& methodName);
 
+  // Hands every execution of later parses to consumer too, after the reader's own consumers.
+  void addExecutionConsumer(ExecutionConsumer consumer);
+
   const EventModel& eventModel() const { return model; }
   const LogHeaderDetails& headerDetails() const { return header; }
 
 protected:
+  // For a reader variant without the CSV event log: executions are only averaged.
+  struct WithoutCsvLog {};
+  KvtProfileLogReader(const std::string& logPath, VisibilityLevel visibilityLevel, WithoutCsvLog);
+
   // The model, header and back-end writers of this object, for the text outputs.
   ReportContext reportContext();
 
@@ -54,6 +64,8 @@ protected:
   std::string logPath;
   LogHeaderDetails header;
   bool extendedBackendReport = false;
+  ExecutionConsumers executionConsumers;
+  std::optional<CsvExecutionSpill> csvExecutionRows; // absent without the CSV event log
 
 private:
   void saveHeader();

@@ -23,11 +23,36 @@ void writeFullSummary(std::ostream& out, const ReportContext& context) {
   writeLibLoadStats(out, context);
 }
 
+// The whole event log: version lines, column header, then the rows of INIT, COMPOSE GRAPHS,
+// FINALIZE, DE-INIT, EXECUTE, EXECUTE IPS and DLOPEN LATENCY.
+bool writeCsvLog(std::ostream& out, const ReportContext& context,
+                 CsvExecutionSpill& executionRows) {
+  out << std::fixed << std::setprecision(0);
+  writeVersionLines(out, context.header);
+  writeColumnHeader(out);
+  writeInitRows(out, context);
+  writeComposeGraphsRow(out, context);
+  writeFinalizeRows(out, context);
+  writeDeInitRows(out, context);
+  if (!executionRows.copyTo(out))
+    return false;
+  writeExecuteIpsRow(out, context);
+  writeDlopenLatencyRow(out, context);
+  return true;
+}
+
 } // namespace
 
-bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context) {
+bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context,
+                     CsvExecutionSpill& executionRows) {
   std::ofstream csv;
   if (!csvPath.empty()) {
+    // A log whose rows could not all be kept gets no event log at all, not one with gaps.
+    if (!executionRows.flush()) {
+      logMessage(logError, "%s; no csvfile written: [%s]", executionRows.failure().c_str(),
+                 csvPath.c_str());
+      return false;
+    }
     csv.open(csvPath, std::ios::out | std::ios::trunc);
     if (!csv.is_open()) {
       logMessage(logError, "Invalid output csvfile: [%s]", csvPath.c_str());
@@ -37,23 +62,13 @@ bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context) {
 
   std::ostringstream summary;
   writeFullSummary(summary, context);
-  if (csv.is_open())
-    writeCsvLog(csv, context);
+  if (csv.is_open() && !writeCsvLog(csv, context, executionRows)) {
+    logMessage(logError, "%s; csvfile incomplete: [%s]", executionRows.failure().c_str(),
+               csvPath.c_str());
+    return false;
+  }
   std::cout << summary.str() << std::flush;
   return true;
-}
-
-void writeCsvLog(std::ostream& out, const ReportContext& context) {
-  out << std::fixed << std::setprecision(0);
-  writeVersionLines(out, context.header);
-  writeColumnHeader(out);
-  writeInitRows(out, context);
-  writeComposeGraphsRow(out, context);
-  writeFinalizeRows(out, context);
-  writeDeInitRows(out, context);
-  writeExecuteRows(out, context);
-  writeExecuteIpsRow(out, context);
-  writeDlopenLatencyRow(out, context);
 }
 
 } // namespace kvt::profiling

@@ -1,6 +1,7 @@
 // The base reader's outputs: the CSV event log and the full statistics summary.
 #pragma once
 
+#include "CsvExecutionSpill.h"
 #include "ReportContext.h"
 
 #include <cstdint>
@@ -9,14 +10,12 @@
 
 namespace kvt::profiling {
 
-// Writes the CSV event log to csvPath (none when it is empty), then prints the full summary on
-// the standard output in one piece. False, printing nothing, when the file cannot be opened
-// ("Invalid output csvfile: [%s]" at the error level).
-bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context);
-
-// The whole CSV event log: version lines, column header, then the rows of INIT, COMPOSE GRAPHS,
-// FINALIZE, DE-INIT, EXECUTE, EXECUTE IPS and DLOPEN LATENCY. Sets out to fixed notation.
-void writeCsvLog(std::ostream& out, const ReportContext& context);
+// Writes the CSV event log to csvPath (none when it is empty), its EXECUTE rows taken from
+// executionRows, then prints the full summary on the standard output in one piece. False,
+// printing nothing, when the file cannot be opened ("Invalid output csvfile: [%s]") or the
+// execution rows could not be kept (the spill's failure text); both at the error level.
+bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context,
+                     CsvExecutionSpill& executionRows);
 
 // The base back-end rows of one method occurrence: a ROOT row per event and a SUB-EVENT row per
 // direct sub-event, each with the method's timestamp and name; OBJECT events get no row.

@@ -26,10 +26,6 @@ void writeDurationRow(std::ostream& out, uint64_t timestamp, std::string_view me
   endNetRunRow(out, "US", identifier);
 }
 
-std::string graphIdentifier(size_t graphNumber, const std::string& graphName) {
-  return "Graph " + std::to_string(graphNumber) + ": " + graphName;
-}
-
 void writeBackendRow(std::ostream& out, uint64_t messageTimestamp, const std::string& methodName,
                      const EventRecord& event, std::string_view eventLevel) {
   out << messageTimestamp << ',' << methodName << ','
@@ -38,6 +34,10 @@ void writeBackendRow(std::ostream& out, uint64_t messageTimestamp, const std::st
 }
 
 } // namespace
+
+std::string graphIdentifier(size_t graphNumber, std::string_view graphName) {
+  return "Graph " + std::to_string(graphNumber) + ": " + std::string(graphName);
+}
 
 void writeVersionLines(std::ostream& out, const LogHeaderDetails& header) {
   out << "kvt-profile-viewer version, " << readerVersion << std::endl;
@@ -80,15 +80,10 @@ void writeDeInitRows(std::ostream& out, const ReportContext& context) {
   context.writeBackendCsvRows(out, deinit.events, deinit.timestamp, "DE-INIT");
 }
 
-void writeExecuteRows(std::ostream& out, const ReportContext& context) {
-  size_t graphNumber = 0;
-  for (const auto& [graphName, executions] : context.model.executionsByGraph) {
-    const std::string identifier = graphIdentifier(graphNumber++, graphName);
-    for (const ExecutionEntry& execution : executions) {
-      writeDurationRow(out, execution.timestamp, "EXECUTE", execution.duration, identifier);
-      context.writeBackendCsvRows(out, execution.events, execution.timestamp, "EXECUTE");
-    }
-  }
+void writeExecutionRows(std::ostream& out, std::string_view graphIdentifier,
+                        const ExecutionEntry& execution, const BackendCsvWriter& writeBackendRows) {
+  writeDurationRow(out, execution.timestamp, "EXECUTE", execution.duration, graphIdentifier);
+  writeBackendRows(out, execution.events, execution.timestamp, "EXECUTE");
 }
 
 void writeExecuteIpsRow(std::ostream& out, const ReportContext& context) {

@@ -4,7 +4,10 @@
 
 #include "ReportContext.h"
 
+#include <cstddef>
 #include <ostream>
+#include <string>
+#include <string_view>
 
 namespace kvt::profiling {
 
@@ -24,9 +27,11 @@ void writeComposeGraphsRow(std::ostream& out, const ReportContext& context);
 void writeFinalizeRows(std::ostream& out, const ReportContext& context);
 // The de-init row and its back-end rows.
 void writeDeInitRows(std::ostream& out, const ReportContext& context);
-// One row per execution, each followed by its back-end rows; graphs numbered from 0 in map order,
-// independently of the finalize rows.
-void writeExecuteRows(std::ostream& out, const ReportContext& context);
+// The last column of a graph's rows: "Graph 0: g".
+std::string graphIdentifier(size_t graphNumber, std::string_view graphName);
+// One execution's row, "31000,EXECUTE,1450,US,NETRUN,ROOT,Graph 0: g", then its back-end rows.
+void writeExecutionRows(std::ostream& out, std::string_view graphIdentifier,
+                        const ExecutionEntry& execution, const BackendCsvWriter& writeBackendRows);
 // The overall rate with six decimals: "50000,EXECUTE IPS,689.655151,INF/SEC,NETRUN,ROOT,null";
 // nothing when the record has no rate. Leaves out in fixed notation with precision 6.
 void writeExecuteIpsRow(std::ostream& out, const ReportContext& context);

@@ -16,9 +16,7 @@ namespace kvt::profiling {
 
 KvtProfileLogReaderChrometrace::KvtProfileLogReaderChrometrace(const std::string& logPath,
                                                                VisibilityLevel visibilityLevel)
-    : KvtProfileLogReader(logPath, visibilityLevel) {
-  model.keepsEveryExecution = false;
-}
+    : KvtProfileLogReader(logPath, visibilityLevel, WithoutCsvLog{}) {}
 
 KvtProfileLogReaderChrometrace::~KvtProfileLogReaderChrometrace() = default;
 

@@ -8,8 +8,8 @@ namespace kvt::profiling {
 
 class KvtProfileLogReaderChrometrace : public KvtProfileLogReader {
 public:
-  // As the base reader, but keeps only the averages of the executions: the trace and the
-  // statistics read nothing else of them, so memory does not grow with their number.
+  // As the base reader, but executions are only folded into their averages, which is all the
+  // trace and the statistics read of them.
   KvtProfileLogReaderChrometrace(const std::string& logPath, VisibilityLevel visibilityLevel);
 
   // Writes the trace to outputPath, then prints the statistics. False when the name is empty,

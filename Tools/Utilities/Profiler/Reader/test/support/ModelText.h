@@ -4,6 +4,7 @@
 #pragma once
 
 #include "model/EventModel.h"
+#include "support/CollectedExecutions.h"
 
 #include <sstream>
 #include <string>
@@ -27,7 +28,8 @@ inline std::string eventsText(const EventList& events) {
   return '[' + eventNames(events) + ']';
 }
 
-inline std::string modelText(const EventModel& model) {
+// The executions, which the model itself does not keep, show where the model's own would be.
+inline std::string modelText(const EventModel& model, const ExecutionsByGraph& executions = {}) {
   std::ostringstream out;
   const char* separator = "";
   auto part = [&](const std::string& name) -> std::ostringstream& {
@@ -63,8 +65,8 @@ inline std::string modelText(const EventModel& model) {
     entry("finalize " + graph, finalize);
   flag("hasFinalize", model.hasFinalize);
   flag("hasFinalizeEvents", model.hasFinalizeEvents);
-  for (const auto& [graph, executions] : model.executionsByGraph)
-    for (const ExecutionEntry& execution : executions)
+  for (const auto& [graph, graphExecutions] : executions)
+    for (const ExecutionEntry& execution : graphExecutions)
       entry("execution " + graph, execution);
   flag("queueWaitMode", model.queueWaitMode);
   for (const auto& [graph, average] : model.averageExecutionByGraph)

@@ -3,6 +3,7 @@
 
 #include "log/LogWriter.h"
 #include "plugin/KvtProfileLogReader.h"
+#include "support/CollectedExecutions.h"
 #include "support/StdoutCapture.h"
 #include "support/TestFiles.h"
 
@@ -14,15 +15,17 @@ namespace kvt::profiling::testing {
 
 struct ParsedLog {
   std::unique_ptr<KvtProfileLogReader> reader;
+  std::unique_ptr<CollectedExecutions> executions = std::make_unique<CollectedExecutions>();
   bool parsed = false; // the result of parseLog
   std::string printed; // what parseLog wrote on the standard output
 };
 
-// Creates a reader for the log at path and parses it.
+// Creates a reader for the log at path and parses it, collecting every execution.
 inline ParsedLog parseLogFile(const std::string& path,
                               VisibilityLevel visibilityLevel = VisibilityLevel{1}) {
   ParsedLog log;
   log.reader = std::make_unique<KvtProfileLogReader>(path, visibilityLevel);
+  log.reader->addExecutionConsumer(log.executions->consumer());
   const StdoutCapture captured;
   log.parsed = log.reader->parseLog(false);
   log.printed = captured.text();

@@ -1,11 +1,15 @@
-// The two ways of keeping executions: the base reader keeps every one and averages what it kept,
-// the trace reader folds each into its graph's average straight from the chunk. The averaged
-// model and what the parse prints must not tell them apart.
+// Executions are streamed, never kept: the trace reader only folds each into its graph's average,
+// the CSV reader also writes its rows to temporary files as it comes. Neither may change what an
+// execution contributes: the averaged model and what the parse prints must not tell the two
+// readers apart, and the CSV rows must be those of every execution in graph order.
 #include "log/LogWriter.h"
 #include "plugin/KvtProfileLogReader.h"
+#include "support/CollectedExecutions.h"
 #include "support/ModelText.h"
 #include "support/StdoutCapture.h"
 #include "support/TestFiles.h"
+#include "text/CsvLog.h"
+#include "text/CsvRows.h"
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
 #include <gtest/gtest.h>
@@ -36,9 +40,8 @@ std::string recordsText(const EventList& events, int depth = 1) {
   return out.str();
 }
 
-// The model without the executions themselves, with the averages in full.
-std::string averagedModelText(EventModel model) {
-  model.executionsByGraph.clear();
+// The model with the averages in full.
+std::string averagedModelText(const EventModel& model) {
   std::string text = testing::modelText(model);
   for (const auto& [graph, average] : model.averageExecutionByGraph)
     text += "\naverage " + graph + ':' + recordsText(average.events);
@@ -49,11 +52,9 @@ struct Parse {
   bool parsed = false;
   std::string printed;
   std::string averagedModel;
-  size_t keptGraphs = 0; // graphs in executionsByGraph
 };
 
-template <typename Reader> Parse parseWith(const std::string& path, VisibilityLevel level) {
-  Reader reader(path, level);
+Parse parseWith(KvtProfileLogReader& reader) {
   Parse parse;
   {
     const testing::StdoutCapture capture;
@@ -61,20 +62,53 @@ template <typename Reader> Parse parseWith(const std::string& path, VisibilityLe
     parse.printed = capture.text();
   }
   parse.averagedModel = averagedModelText(reader.eventModel());
-  parse.keptGraphs = reader.eventModel().executionsByGraph.size();
   return parse;
 }
 
-// The base reader's parse, once the trace reader's was found to match it.
-Parse expectSameAverages(const std::string& path,
-                         VisibilityLevel level = VisibilityLevel::keepAll) {
-  const Parse kept = parseWith<KvtProfileLogReader>(path, level);
-  const Parse folded = parseWith<KvtProfileLogReaderChrometrace>(path, level);
-  EXPECT_EQ(folded.parsed, kept.parsed);
-  EXPECT_EQ(folded.printed, kept.printed);
-  EXPECT_EQ(folded.averagedModel, kept.averagedModel);
-  EXPECT_EQ(folded.keptGraphs, 0u);
-  return kept;
+// The lines of a CSV event log whose method is EXECUTE.
+std::string executeRowsOf(const std::string& csv) {
+  std::istringstream lines(csv);
+  std::string rows;
+  for (std::string line; std::getline(lines, line);)
+    if (line.find(",EXECUTE,") == line.find(','))
+      rows += line + '\n';
+  return rows;
+}
+
+// The rows the kept executions would give, graph after graph.
+std::string rowsOfKept(const testing::ExecutionsByGraph& executions) {
+  std::ostringstream rows;
+  rows << std::fixed;
+  size_t graphNumber = 0;
+  for (const auto& [graph, graphExecutions] : executions) {
+    const std::string identifier = graphIdentifier(graphNumber++, graph);
+    for (const ExecutionEntry& execution : graphExecutions)
+      writeExecutionRows(rows, identifier, execution, writeBackendCsvRows);
+  }
+  return rows.str();
+}
+
+// Parses the log with both readers; the CSV reader's rows are also checked against every
+// execution it was handed. Returns the executions.
+testing::ExecutionsByGraph expectStreamedAlike(const std::string& path,
+                                               VisibilityLevel level = VisibilityLevel::keepAll) {
+  KvtProfileLogReader csvReader(path, level);
+  testing::CollectedExecutions kept;
+  csvReader.addExecutionConsumer(kept.consumer());
+  KvtProfileLogReaderChrometrace traceReader(path, level);
+  const Parse csvParse = parseWith(csvReader);
+  const Parse traceParse = parseWith(traceReader);
+  EXPECT_EQ(traceParse.parsed, csvParse.parsed);
+  EXPECT_EQ(traceParse.printed, csvParse.printed);
+  EXPECT_EQ(traceParse.averagedModel, csvParse.averagedModel);
+  if (csvParse.parsed) {
+    const testing::TempDir dir;
+    const fs::path csvPath = dir.path() / "events.csv";
+    const testing::StdoutCapture summary;
+    EXPECT_TRUE(csvReader.writeOutputs(csvPath.string()));
+    EXPECT_EQ(executeRowsOf(testing::readFile(csvPath)), rowsOfKept(kept.byGraph));
+  }
+  return kept.byGraph;
 }
 
 std::vector<std::string> logsIn(const fs::path& dir) {
@@ -86,14 +120,14 @@ std::vector<std::string> logsIn(const fs::path& dir) {
   return logs;
 }
 
-TEST(ExecutionKeeping, FixtureAndGoldenLogsAverageAlike) {
+TEST(StreamedExecutions, FixtureAndGoldenLogs) {
   std::vector<std::string> logs = logsIn(KVT_FIXTURE_DIR);
   const std::vector<std::string> golden = logsIn(KVT_GOLDEN_LOG_DIR);
   logs.insert(logs.end(), golden.begin(), golden.end());
   ASSERT_GT(logs.size(), 10u);
   for (const std::string& log : logs) {
     SCOPED_TRACE(log);
-    expectSameAverages(log);
+    expectStreamedAlike(log);
   }
 }
 
@@ -223,7 +257,7 @@ private:
   std::mt19937 random;
 };
 
-TEST(ExecutionKeeping, SyntheticRunsAverageAlike) {
+TEST(StreamedExecutions, SyntheticRuns) {
   struct Case {
     const char* what;
     RunShape shape;
@@ -244,8 +278,8 @@ TEST(ExecutionKeeping, SyntheticRunsAverageAlike) {
     const std::vector<ChunkSpec> chunks = SyntheticRun(c.shape).chunks();
     const testing::TempDir dir;
     const std::string log = dir.write("run.log", buildLog(chunks));
-    EXPECT_EQ(expectSameAverages(log).keptGraphs, size_t(c.shape.graphs));
-    expectSameAverages(log, VisibilityLevel{1});
+    EXPECT_EQ(expectStreamedAlike(log).size(), size_t(c.shape.graphs));
+    expectStreamedAlike(log, VisibilityLevel{1});
   }
 }
 
