@@ -11,12 +11,16 @@ set_target_properties(flatbuffers::flatc PROPERTIES IMPORTED_LOCATION ${KVT_HOST
 # would put its C library ahead of the target's.
 find_path(KVT_HOST_FLATBUFFERS_INCLUDE flatbuffers/flatbuffers.h NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 find_path(KVT_HOST_RAPIDJSON_INCLUDE rapidjson/document.h NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+find_path(KVT_HOST_CLI11_INCLUDE CLI/CLI.hpp NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 set(host_headers ${CMAKE_BINARY_DIR}/host-headers)
 file(MAKE_DIRECTORY ${host_headers})
 file(CREATE_LINK ${KVT_HOST_FLATBUFFERS_INCLUDE}/flatbuffers ${host_headers}/flatbuffers SYMBOLIC)
 file(CREATE_LINK ${KVT_HOST_RAPIDJSON_INCLUDE}/rapidjson ${host_headers}/rapidjson SYMBOLIC)
-add_library(flatbuffers::flatbuffers INTERFACE IMPORTED)
-set_target_properties(flatbuffers::flatbuffers PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${host_headers})
+file(CREATE_LINK ${KVT_HOST_CLI11_INCLUDE}/CLI ${host_headers}/CLI SYMBOLIC)
+foreach(library flatbuffers::flatbuffers CLI11::CLI11)
+  add_library(${library} INTERFACE IMPORTED)
+  set_target_properties(${library} PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${host_headers})
+endforeach()
 set(RAPIDJSON_INCLUDE_DIRS ${host_headers})
 
 # The log tool that compiles the JSON fixtures into logs, built for the build machine from this

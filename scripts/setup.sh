@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ libflatbuffers-dev flatbuffers-compiler rapidjson-dev
-          googletest libgtest-dev)
+          googletest libgtest-dev libcli11-dev help2man dpkg-dev file)
 packages+=("$@") # extra packages a caller needs (sanitizer runtimes, valgrind, ...)
 
 missing=()

@@ -1,11 +1,8 @@
-// The benchmark's command line: the sizes of its inputs and how often each is measured.
+// The benchmark's options: the sizes of its inputs and how often each is measured.
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 
 namespace kvt::profiling {
 
@@ -17,9 +14,5 @@ struct BenchOptions {
   uint32_t csvRuns = 1;           // the CSV reader writes gigabytes; its best of this many
   std::string workDir;            // empty: a fresh directory in the temporary directory
 };
-
-// The options of the arguments after the program name; none, with the usage or the error on
-// the standard error, for a wrong command line or a request for help.
-std::optional<BenchOptions> parseBenchOptions(std::span<const std::string_view> args);
 
 } // namespace kvt::profiling

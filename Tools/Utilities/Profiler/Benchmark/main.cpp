@@ -1,14 +1,17 @@
 // kvt-profile-bench: measures the reader libraries against the floor of reading a log.
+#include "BenchCommandLine.h"
 #include "Benchmark.h"
+#include "CommandLine.h"
 
-#include <vector>
+#include <iostream>
 
 int main(int argc, char** argv) {
-  const std::vector<std::string_view> args(argv + 1, argv + argc);
-  const std::optional<kvt::profiling::BenchOptions> options =
-      kvt::profiling::parseBenchOptions(args);
-  if (!options)
-    return 2;
-  return kvt::profiling::runBenchmark(
-      *options, {KVT_LOG_TOOL, KVT_TRACE_READER_LIBRARY, KVT_CSV_READER_LIBRARY});
+  using namespace kvt::profiling;
+  BenchOptions options;
+  CLI::App app("", "kvt-profile-bench");
+  addBenchOptions(app, options);
+  if (const std::optional<int> status =
+          parseCommandLine(app, {argv + 1, argv + argc}, std::cout, std::cerr))
+    return *status;
+  return runBenchmark(options, {KVT_LOG_TOOL, KVT_TRACE_READER_LIBRARY, KVT_CSV_READER_LIBRARY});
 }

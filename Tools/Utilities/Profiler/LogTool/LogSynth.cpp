@@ -309,7 +309,7 @@ private:
         chunkMessages.size() >= options.messagesPerChunk || builder.GetSize() >= maxChunkBytes;
     if (full && !flushChunk())
       return false;
-    progress.update(doneMessages, totalMessages, file.bytesWritten());
+    progress.update({doneMessages, totalMessages, file.bytesWritten()});
     return true;
   }
 
@@ -347,7 +347,7 @@ int synthLog(const SynthOptions& options, ToolConsole& console) {
   ChunkFileWriter file(options.outputPath);
   bool written = false;
   {
-    // The progress line ends before any message follows it.
+    // The progress line is wiped before any message follows it.
     ProgressLine progress(console.err, console.errIsTerminal, "kvt-profile-log synth");
     written = file.isOpen() && RunSynthesizer(options, file, progress).run() && file.close();
   }

@@ -1,30 +1,24 @@
-// Dispatch from a parsed command line to the command that does the work.
+// The tool's command line: every command adds itself, and the one given runs once it is parsed.
 #include "RunToolCommand.h"
+
+#include "CommandLine.h"
+#include "ToolCommands.h"
 
 namespace kvt::profiling {
 
-namespace {
-
-struct CommandRunner {
-  ToolConsole& console;
-
-  int operator()(const HelpRequest& help) const {
-    console.out << usageText(help.command);
-    return exitSuccess;
-  }
-  int operator()(const UsageError& error) const {
-    console.err << "kvt-profile-log: " << error.message << "\n\n" << usageText(error.command);
-    return exitUsage;
-  }
-  int operator()(const DumpOptions& options) const { return dumpLog(options, console); }
-  int operator()(const BuildOptions& options) const { return buildLog(options, console); }
-  int operator()(const SynthOptions& options) const { return synthLog(options, console); }
-};
-
-} // namespace
-
-int runToolCommand(const ToolCommand& command, ToolConsole& console) {
-  return std::visit(CommandRunner{console}, command);
+int runToolCommand(const std::vector<std::string>& args, ToolConsole& console) {
+  CLI::App tool("Looks inside, builds and synthesises profiling logs.\n", "kvt-profile-log");
+  setUpCommandLine(tool);
+  tool.require_subcommand(1);
+  tool.footer("'kvt-profile-log COMMAND --help' describes a command.\n"
+              "Exit status: 0 done, 1 bad input or unwritable output, 2 wrong command line.");
+  CommandRun run{console};
+  addDumpCommand(tool, run);
+  addBuildCommand(tool, run);
+  addSynthCommand(tool, run);
+  if (const std::optional<int> status = parseCommandLine(tool, args, console.out, console.err))
+    return *status;
+  return run.exitCode;
 }
 
 } // namespace kvt::profiling

@@ -12,11 +12,10 @@ struct ToolConsole {
   bool errIsTerminal = false;
 };
 
-// Exit codes of the tool.
+// Exit codes of the tool; a wrong command line ends in exitCommandLineError (CommandLine.h).
 enum ExitCode : int {
   exitSuccess = 0,
   exitBadInput = 1, // bad input, or output that cannot be written
-  exitUsage = 2,    // the command line was wrong
 };
 
 } // namespace kvt::profiling

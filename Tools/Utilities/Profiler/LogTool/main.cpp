@@ -1,24 +1,14 @@
 // kvt-profile-log: looks inside, builds and synthesises profiling logs.
+#include "ProgressLine.h"
 #include "RunToolCommand.h"
-#include "ToolOptions.h"
 
 #include <iostream>
-#include <string_view>
-#include <vector>
-
-#if defined(_WIN32)
-#include <io.h>
-#define isatty _isatty
-#else
-#include <unistd.h>
-#endif
 
 int main(int argc, char** argv) {
   using namespace kvt::profiling;
   std::ios::sync_with_stdio(false); // a dump can be gigabytes of text
-  const std::vector<std::string_view> args(argv + 1, argv + argc);
-  ToolConsole console{std::cout, std::cerr, isatty(2) != 0};
-  const int exitCode = runToolCommand(parseToolOptions(args), console);
+  ToolConsole console{std::cout, std::cerr, standardErrorIsTerminal()};
+  const int exitCode = runToolCommand({argv + 1, argv + argc}, console);
   std::cout.flush();
   return std::cout ? exitCode : exitBadInput;
 }

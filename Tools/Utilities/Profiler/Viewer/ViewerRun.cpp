@@ -1,6 +1,8 @@
 // Driving a reader library through its exports, as any host of it does.
 #include "ViewerRun.h"
 
+#include "ProgressLine.h"
+#include "ReadProgress.h"
 #include "ReaderLibrary.h"
 #include "ReaderLocation.h"
 #include "StderrLogger.h"
@@ -23,7 +25,13 @@ int runReader(const ReaderExports& exports, const ViewerOptions& options) {
   }
   // parseLog is a later slot of the concrete reader; every reader library derives from it.
   auto& concrete = static_cast<KvtProfileLogReader&>(*reader);
-  if (!concrete.parseLog(options.extendedBackendReport)) {
+  bool parsed = false;
+  {
+    // The line is wiped before the outputs are written.
+    const ReadProgress progress(options.inputPath, standardErrorIsTerminal());
+    parsed = concrete.parseLog(options.extendedBackendReport);
+  }
+  if (!parsed) {
     printDiagnostic("cannot parse the log " + options.inputPath);
     return exitFailure;
   }

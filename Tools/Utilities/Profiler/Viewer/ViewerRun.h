@@ -5,10 +5,10 @@
 
 namespace kvt::profiling {
 
+// A wrong command line ends in exitCommandLineError (CommandLine.h).
 enum ExitCode : int {
   exitSuccess = 0,
   exitFailure = 1, // the library cannot be loaded, the log not parsed or the outputs not written
-  exitUsage = 2,   // the command line is wrong
 };
 
 // Loads the chosen reader library, registers the standard-error logger at options.logLevel,
