@@ -1,7 +1,7 @@
 # The Debian package, made by `cpack -G DEB` in the build folder: kvt-profiler_<version>_<arch>.deb
 # with the viewer and the log tool, the reader libraries where the viewer looks for them, the
-# README, and a manual page per program made from its --help. Its dependencies are computed
-# from the binaries (dpkg-shlibdeps).
+# README, and a manual page per program made from its --help (and its commands' --help). Its
+# dependencies are computed from the binaries (dpkg-shlibdeps).
 if(NOT CMAKE_CROSSCOMPILING)
   find_program(KVT_HELP2MAN help2man REQUIRED)
   find_program(KVT_GZIP gzip REQUIRED)
@@ -11,13 +11,22 @@ if(NOT CMAKE_CROSSCOMPILING)
   set(manual_pages)
   foreach(program kvt-profile-viewer kvt-profile-log)
     set(page ${man_dir}/${program}.1)
+    # A program with commands gets their help too.
+    set(commands_page)
+    set(include_commands)
+    if(program STREQUAL "kvt-profile-log")
+      set(commands_page COMMAND bash ${CMAKE_CURRENT_LIST_DIR}/commands-manual.sh
+                        $<TARGET_FILE:${program}> ${page}.commands)
+      set(include_commands --include=${page}.commands)
+    endif()
     add_custom_command(
       OUTPUT ${page}.gz
       COMMAND ${CMAKE_COMMAND} -E make_directory ${man_dir}
-      COMMAND ${KVT_HELP2MAN} --no-info --name=${${program}_summary} --output=${page}
-              $<TARGET_FILE:${program}>
+      ${commands_page}
+      COMMAND ${KVT_HELP2MAN} --no-info --name=${${program}_summary} ${include_commands}
+              --output=${page} $<TARGET_FILE:${program}>
       COMMAND ${KVT_GZIP} -9nf ${page}
-      DEPENDS ${program}
+      DEPENDS ${program} ${CMAKE_CURRENT_LIST_DIR}/commands-manual.sh
       COMMENT "Writing the manual page of ${program}"
       VERBATIM)
     list(APPEND manual_pages ${page}.gz)

@@ -39,7 +39,7 @@ void setUpCommandLine(CLI::App& app) {
   app.set_help_flag("-h,--help", "print this help and exit");
   app.get_formatter()->column_width(optionColumnWidth);
   app.failure_message(failureMessage);
-  // As with the programs' earlier parsers, a repeated option overrides the earlier one.
+  // A repeated option overrides the earlier one, so a script may append to a command line.
   app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
