@@ -243,7 +243,7 @@ public:
 private:
   std::vector<std::pair<std::string, std::string>> previous;
 };
-const char* noTemporarySpaceReport =
+constexpr const char* noTemporarySpaceReport =
     "Could not create a temporary file for the CSV event log: No such file or directory";
 #else
 // Files may grow to limitBytes while it lives; beyond it a write fails as on a full disk.
@@ -266,7 +266,7 @@ private:
   rlimit previous{};
   void (*previousSignal)(int);
 };
-const char* noTemporarySpaceReport =
+constexpr const char* noTemporarySpaceReport =
     "Could not write the CSV event log to a temporary file: File too large";
 #endif
 
@@ -300,7 +300,7 @@ TEST(CsvOutputs, RowsWithoutTemporarySpaceGiveNoFile) {
   EXPECT_EQ(printed.text(), "");
   ASSERT_EQ(logger.texts(logError).size(), 1u);
   EXPECT_EQ(logger.texts(logError)[0],
-            std::string(noTemporarySpaceReport) + "; no csvfile written: [" + csvPath + "]");
+            noTemporarySpaceReport + ("; no csvfile written: [" + csvPath + "]"));
   EXPECT_FALSE(std::filesystem::exists(csvPath));
 }
 
