@@ -5,17 +5,25 @@
 #   them, in the order given, as the chunks of the log. Fields given in the JSON are stored even
 #   when they hold their default value, so a fixture says precisely which fields are present;
 #   the order the fields are written in does not change the bytes. The log is added to
-#   <target>'s dependencies.
+#   <target>'s dependencies. KVT_LOG_TOOL names the tool: the kvt-profile-log target, or in a cross
+#   build the build machine's own (KVT_LOG_TOOL_TARGET then builds it).
+if(NOT KVT_LOG_TOOL)
+  set(KVT_LOG_TOOL kvt-profile-log)
+endif()
+
 function(kvt_add_log_fixture target output)
   get_filename_component(output_dir ${output} DIRECTORY)
   add_custom_command(
     OUTPUT ${output}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${output_dir}
-    COMMAND kvt-profile-log build --chunks ${ARGN} -o ${output}
-    DEPENDS ${ARGN} kvt-profile-log
+    COMMAND ${KVT_LOG_TOOL} build --chunks ${ARGN} -o ${output}
+    DEPENDS ${ARGN} ${KVT_LOG_TOOL}
     COMMENT "Building log fixture ${output}"
     VERBATIM)
   string(MAKE_C_IDENTIFIER ${output} fixture_target)
   add_custom_target(${fixture_target} DEPENDS ${output})
+  if(KVT_LOG_TOOL_TARGET)
+    add_dependencies(${fixture_target} ${KVT_LOG_TOOL_TARGET})
+  endif()
   add_dependencies(${target} ${fixture_target})
 endfunction()

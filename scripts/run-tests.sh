@@ -1,16 +1,36 @@
 #!/usr/bin/env bash
 # Sets up, builds and runs every test: the release build, the same suite under ASan and UBSan,
-# the concurrency tests under TSan, and a short fuzzing run. --quick runs the release suite only.
+# the concurrency tests under TSan, a short fuzzing run, and the Windows and 64-bit Arm builds
+# with their tests under Wine and QEMU. --quick runs the release suite only; --skip-platforms
+# (or KVT_SKIP_PLATFORMS=1) leaves out the Windows and Arm stages.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
+quick=0 platforms=1
+[[ ${KVT_SKIP_PLATFORMS:-0} == 1 ]] && platforms=0
+for arg in "$@"; do
+  case $arg in
+    --quick) quick=1 ;;
+    --skip-platforms) platforms=0 ;;
+    *) echo "usage: $0 [--quick] [--skip-platforms]" >&2; exit 2 ;;
+  esac
+done
 
 stage() { printf '\n=== %s\n' "$*"; }
+
+# The readers, the viewer and their tests for another platform; the release build's log tool
+# compiles the test logs.
+cross_build_and_test() { # build-dir toolchain-file
+  cmake -S . -B "$1" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$2" \
+    -DKVT_HOST_LOG_TOOL="$PWD/build/bin/kvt-profile-log" >/dev/null
+  cmake --build "$1" --parallel "$jobs"
+  ctest --test-dir "$1" --output-on-failure --parallel "$jobs"
+}
 
 stage "release build and tests"
 bash scripts/build.sh
 ctest --test-dir build --output-on-failure --parallel "$jobs"
-[[ ${1:-} == --quick ]] && exit 0
+((quick)) && exit 0
 
 stage "address and undefined-behaviour sanitizers"
 KVT_BUILD_DIR=build-asan bash scripts/build.sh -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -25,3 +45,13 @@ build-tsan/bin/KvtReaderTests --gtest_filter='*Thread*'
 
 stage "fuzzing for ${KVT_FUZZ_SECONDS:-60} seconds"
 bash Tools/Utilities/Profiler/Fuzzer/run-fuzzer.sh "${KVT_FUZZ_SECONDS:-60}"
+
+if ((platforms)); then
+  bash scripts/setup.sh g++-mingw-w64-x86-64-posix wine64 g++-aarch64-linux-gnu qemu-user
+
+  stage "windows build and tests under wine"
+  cross_build_and_test build-mingw cmake/toolchains/mingw-w64-x86_64.cmake
+
+  stage "aarch64 build and tests under qemu"
+  cross_build_and_test build-aarch64 cmake/toolchains/aarch64-linux-gnu.cmake
+fi

@@ -13,12 +13,17 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-
-#include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
+
+#if defined(_WIN32)
+#include <cstdlib>
+#else
+#include <csignal>
+
+#include <sys/resource.h>
+#endif
 
 namespace kvt::profiling {
 namespace {
@@ -121,18 +126,42 @@ TEST(CsvOutputs, UnwritablePathReportsAndPrintsNothing) {
   EXPECT_FALSE(std::filesystem::exists(csvPath));
 }
 
-// Files may grow to limitBytes while it lives; beyond it a write fails as on a full disk.
-class FileSizeLimit {
+#if defined(_WIN32)
+// The temporary folder is a missing one while it lives, so no temporary file can be made.
+class NoTemporarySpace {
 public:
-  explicit FileSizeLimit(rlim_t limitBytes) : previousSignal(std::signal(SIGXFSZ, SIG_IGN)) {
+  explicit NoTemporarySpace(const std::filesystem::path& missingFolder) {
+    for (const char* variable : {"TMP", "TEMP"}) {
+      const char* value = std::getenv(variable);
+      previous.emplace_back(variable, value ? value : "");
+      _putenv_s(variable, missingFolder.string().c_str());
+    }
+  }
+  NoTemporarySpace(const NoTemporarySpace&) = delete;
+  NoTemporarySpace& operator=(const NoTemporarySpace&) = delete;
+  ~NoTemporarySpace() {
+    for (const auto& [variable, value] : previous)
+      _putenv_s(variable.c_str(), value.c_str());
+  }
+
+private:
+  std::vector<std::pair<std::string, std::string>> previous;
+};
+constexpr const char* noTemporarySpaceReport =
+    "Could not create a temporary file for the CSV event log: No such file or directory";
+#else
+// Files may grow to limitBytes while it lives; beyond it a write fails as on a full disk.
+class NoTemporarySpace {
+public:
+  explicit NoTemporarySpace(rlim_t limitBytes) : previousSignal(std::signal(SIGXFSZ, SIG_IGN)) {
     getrlimit(RLIMIT_FSIZE, &previous);
     rlimit limited = previous;
     limited.rlim_cur = limitBytes;
     setrlimit(RLIMIT_FSIZE, &limited);
   }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-  ~FileSizeLimit() {
+  NoTemporarySpace(const NoTemporarySpace&) = delete;
+  NoTemporarySpace& operator=(const NoTemporarySpace&) = delete;
+  ~NoTemporarySpace() {
     setrlimit(RLIMIT_FSIZE, &previous);
     std::signal(SIGXFSZ, previousSignal);
   }
@@ -141,6 +170,9 @@ private:
   rlimit previous{};
   void (*previousSignal)(int);
 };
+constexpr const char* noTemporarySpaceReport =
+    "Could not write the CSV event log to a temporary file: File too large";
+#endif
 
 // Execution rows wait in temporary files until the event log is written; when they cannot all
 // be kept there, the reader writes no event log rather than one with rows missing.
@@ -159,7 +191,11 @@ TEST(CsvOutputs, RowsWithoutTemporarySpaceGiveNoFile) {
   CapturingLogger logger(logError);
   StdoutCapture printed;
   {
-    const FileSizeLimit limit(16 * 1024);
+#if defined(_WIN32)
+    const NoTemporarySpace limit(dir.path() / "missing");
+#else
+    const NoTemporarySpace limit(16 * 1024);
+#endif
     ASSERT_TRUE(reader.parseLog(false));
   }
 
@@ -168,9 +204,7 @@ TEST(CsvOutputs, RowsWithoutTemporarySpaceGiveNoFile) {
   EXPECT_EQ(printed.text(), "");
   ASSERT_EQ(logger.texts(logError).size(), 1u);
   EXPECT_EQ(logger.texts(logError)[0],
-            "Could not write the CSV event log to a temporary file: File too large; no csvfile "
-            "written: [" +
-                csvPath + "]");
+            noTemporarySpaceReport + ("; no csvfile written: [" + csvPath + "]"));
   EXPECT_FALSE(std::filesystem::exists(csvPath));
 }
 

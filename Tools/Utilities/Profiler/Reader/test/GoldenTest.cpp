@@ -8,6 +8,7 @@
 #include "support/GoldenCases.h"
 #include "support/StdoutCapture.h"
 #include "support/TestFiles.h"
+#include "support/UtcTimeZone.h"
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
 #include <gtest/gtest.h>
@@ -101,12 +102,17 @@ void writeExpected(const fs::path& path, const std::string& text) {
 
 void compareOrUpdate(const fs::path& caseDir, const ReaderVariant& variant,
                      const ReaderOutputs& outputs) {
-  const std::pair<const char*, const std::string&> expectations[] = {
-      {variant.fileExpected, outputs.file},
-      {variant.stdoutExpected, outputs.stdoutText},
-      {variant.resultExpected, outputs.result},
+  struct Expectation {
+    const char* name;
+    const std::string& actual;
+    bool writtenInTextMode; // a file the reader wrote, rather than text captured in memory
   };
-  for (const auto& [name, actual] : expectations) {
+  const Expectation expectations[] = {
+      {variant.fileExpected, outputs.file, true},
+      {variant.stdoutExpected, outputs.stdoutText, false},
+      {variant.resultExpected, outputs.result, false},
+  };
+  for (const auto& [name, actual, writtenInTextMode] : expectations) {
     SCOPED_TRACE(name);
     const fs::path expectedPath = caseDir / name;
     if (testing::updatingGolden()) {
@@ -115,7 +121,8 @@ void compareOrUpdate(const fs::path& caseDir, const ReaderVariant& variant,
     }
     ASSERT_TRUE(fs::exists(expectedPath))
         << expectedPath << " is missing; run with KVT_UPDATE_GOLDEN=1 and review the result";
-    EXPECT_EQ(actual, readFile(expectedPath));
+    EXPECT_EQ(actual, writtenInTextMode ? testing::asWrittenInTextMode(readFile(expectedPath))
+                                        : readFile(expectedPath));
   }
 }
 
@@ -123,8 +130,7 @@ class GoldenTest : public ::testing::TestWithParam<std::string> {
 protected:
   void SetUp() override {
     // The header's creation time is printed in local time.
-    setenv("TZ", "UTC", 1);
-    tzset();
+    testing::useUtcLocalTime();
   }
 };
 

@@ -1,11 +1,11 @@
 // Loads the built reader libraries as a host does and drives them through their exports.
+#include "DynamicLibrary.h"
 #include "plugin/KvtProfileLogReader.h"
 #include "plugin/ReaderExports.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <dlfcn.h>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -23,25 +23,20 @@ void collect(const char* format, uint32_t level, uint64_t, va_list arguments) {
   reports.push_back(std::to_string(level) + ": " + text);
 }
 
+// The library loaded the way the viewer loads it: dlopen, or LoadLibrary on Windows.
 struct Library {
-  explicit Library(const std::string& name)
-      : handle(dlopen((std::string(KVT_READER_DIR "/lib") + name + ".so").c_str(),
-                      RTLD_NOW | RTLD_LOCAL)) {}
-  ~Library() {
-    if (handle)
-      dlclose(handle);
-  }
+  explicit Library(const char* fileName) : loaded(std::string(KVT_READER_DIR "/") + fileName) {}
   template <typename F> F find(const char* symbol) const {
-    return reinterpret_cast<F>(dlsym(handle, symbol));
+    return reinterpret_cast<F>(loaded.findSymbol(symbol));
   }
-  void* handle;
+  DynamicLibrary loaded;
 };
 
 class PluginLoad : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(PluginLoad, CreatesParsesAndDeletesThroughTheExports) {
   Library library(GetParam());
-  ASSERT_NE(library.handle, nullptr) << dlerror();
+  ASSERT_TRUE(library.loaded.isLoaded()) << library.loaded.loadError();
   const auto create = library.find<CreateReaderFunction>("createReader");
   const auto destroy = library.find<DeleteReaderFunction>("deleteReader");
   const auto registerLog = library.find<RegisterLoggerFunction>("registerLogger");
@@ -65,8 +60,7 @@ TEST_P(PluginLoad, CreatesParsesAndDeletesThroughTheExports) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Readers, PluginLoad,
-                         ::testing::Values("KvtChrometraceProfilingReader",
-                                           "KvtCsvProfilingReader"));
+                         ::testing::Values(KVT_CHROMETRACE_READER_FILE, KVT_CSV_READER_FILE));
 
 } // namespace
 } // namespace kvt::profiling

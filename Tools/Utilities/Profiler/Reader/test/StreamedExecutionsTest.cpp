@@ -113,7 +113,8 @@ testing::ExecutionsByGraph expectStreamedAlike(const std::string& path,
     const fs::path csvPath = dir.path() / "events.csv";
     const testing::StdoutCapture summary;
     EXPECT_TRUE(csvReader.writeOutputs(csvPath.string()));
-    EXPECT_EQ(executeRowsOf(testing::readFile(csvPath)), rowsOfKept(kept.byGraph));
+    EXPECT_EQ(executeRowsOf(testing::readFile(csvPath)),
+              testing::asWrittenInTextMode(rowsOfKept(kept.byGraph)));
   }
   return kept.byGraph;
 }

@@ -18,7 +18,7 @@ void expectGolden(const std::string& name, const std::string& actual) {
   }
   ASSERT_TRUE(std::filesystem::exists(file))
       << file << " is missing; KVT_UPDATE_GOLDEN=1 writes it";
-  EXPECT_EQ(actual, readFile(file)) << "differs from " << file;
+  EXPECT_EQ(actual, asWrittenInTextMode(readFile(file))) << "differs from " << file;
 }
 
 } // namespace kvt::profiling::testing

@@ -39,8 +39,10 @@ TEST(ViewerInstall, RunsFromTheInstalledLayoutInAnyDirectory) {
       runProgram(program, {"--input", log, "--output", "trace.json"}, elsewhere.path());
   EXPECT_EQ(run.exitCode, 0) << run.standardError;
   const std::filesystem::path expected = goldenCaseDir / "detailed-execution";
-  EXPECT_EQ(run.standardOutput, readFile(expected / "expected.trace.stdout"));
-  EXPECT_EQ(readFile(elsewhere.path() / "trace.json"), readFile(expected / "expected.trace.json"));
+  EXPECT_EQ(run.standardOutput,
+            testing::asWrittenInTextMode(readFile(expected / "expected.trace.stdout")));
+  EXPECT_EQ(readFile(elsewhere.path() / "trace.json"),
+            testing::asWrittenInTextMode(readFile(expected / "expected.trace.json")));
 }
 
 } // namespace

@@ -88,18 +88,23 @@ TEST(ViewerProgram, PassesTheExtendedBackendReportFlag) {
 }
 
 TEST(ViewerProgram, ExplainsAReaderLibraryItCannotUse) {
+  // Absolute on every platform: Windows' paths start with the drive.
+  const std::string missing =
+      (std::filesystem::current_path().root_path() / "nonexistent" / "libR.so").string();
+  // The path as the viewer prints it: in the platform's own form.
+  const std::string notAReader =
+      std::filesystem::path(KVT_NOT_A_READER).lexically_normal().string();
   struct Case {
     const char* what;
     std::string reader;
     std::string error; // the start of standard error
   };
   const Case cases[] = {
-      {"no such file", "/nonexistent/libR.so",
-       "kvt-profile-viewer: cannot load reader library /nonexistent/libR.so: "},
+      {"no such file", missing, "kvt-profile-viewer: cannot load reader library " + missing + ": "},
       {"a library without the reader exports", KVT_NOT_A_READER,
-       std::string("kvt-profile-viewer: ") + KVT_NOT_A_READER +
-           " is not a reader library: it does not export createReader, deleteReader, "
-           "registerLogger, unregisterLogger\n"},
+       testing::asWrittenInTextMode("kvt-profile-viewer: " + notAReader +
+                                    " is not a reader library: it does not export createReader, "
+                                    "deleteReader, registerLogger, unregisterLogger\n")},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);

@@ -65,10 +65,11 @@ TEST_P(ViewerReaderCases, PrintsAndWritesWhatTheReaderDoes) {
       continue;
     }
     EXPECT_EQ(run.exitCode, written ? 0 : 1) << run.standardError;
-    EXPECT_EQ(run.standardOutput, readFile(caseDir / variant.stdoutExpected));
+    EXPECT_EQ(run.standardOutput,
+              testing::asWrittenInTextMode(readFile(caseDir / variant.stdoutExpected)));
     if (variant.outputName) {
       EXPECT_EQ(readFile(workingDir.path() / variant.outputName),
-                readFile(caseDir / variant.fileExpected));
+                testing::asWrittenInTextMode(readFile(caseDir / variant.fileExpected)));
     }
   }
 }

@@ -34,6 +34,18 @@ void writeBackendReportLines(std::ostream& out, const EventList& events, bool du
   }
 }
 
+namespace {
+
+// Text mode, except where text mode translates line ends: there the object's bytes would not
+// come back as they were, so Windows writes them untranslated.
+#if defined(_WIN32)
+constexpr std::ios::openmode dumpFileMode = std::ios::out | std::ios::trunc | std::ios::binary;
+#else
+constexpr std::ios::openmode dumpFileMode = std::ios::out | std::ios::trunc;
+#endif
+
+} // namespace
+
 void dumpObjectEvent(const EventRecord& event) {
   const std::string& requested = event.message;
   const size_t dot = requested.rfind('.');
@@ -45,7 +57,7 @@ void dumpObjectEvent(const EventRecord& event) {
   for (uint64_t counter = 1; std::ifstream(name).is_open(); ++counter)
     name = base + "_" + std::to_string(counter) + extension;
 
-  std::ofstream file(name, std::ios::out | std::ios::trunc);
+  std::ofstream file(name, dumpFileMode);
   if (!file.is_open()) {
     logMessage(logError, "Invalid output fileName: [%s]", name.c_str());
     return;

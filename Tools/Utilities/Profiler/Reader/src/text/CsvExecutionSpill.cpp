@@ -10,6 +10,14 @@
 #include <iomanip>
 #include <vector>
 
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#include <share.h>
+#include <sys/stat.h>
+#include <windows.h>
+#endif
+
 namespace kvt::profiling {
 namespace {
 
@@ -17,9 +25,36 @@ constexpr size_t copyBlockBytes = size_t(1) << 20;   // read back in blocks of t
 constexpr unsigned rowLevels = 2;                    // the rows show events and their sub-events
 constexpr size_t spillBufferBytes = size_t(1) << 16; // fewer, larger writes than stdio's default
 
+#if defined(_WIN32)
+// Windows' tmpfile puts its file in the root of the drive, where users may not write; this one
+// lies in the user's temporary folder and goes when it is closed. Failures leave errno set.
+std::FILE* openTemporaryFile() {
+  wchar_t folder[MAX_PATH + 1];
+  wchar_t path[MAX_PATH];
+  if (GetTempPathW(MAX_PATH + 1, folder) == 0 || GetTempFileNameW(folder, L"kvt", 0, path) == 0) {
+    errno = GetLastError() == ERROR_ACCESS_DENIED ? EACCES : ENOENT;
+    return nullptr;
+  }
+  int descriptor = -1;
+  if (_wsopen_s(&descriptor, path, _O_RDWR | _O_TRUNC | _O_BINARY | _O_TEMPORARY, _SH_DENYRW,
+                _S_IREAD | _S_IWRITE) != 0) {
+    DeleteFileW(path);
+    return nullptr;
+  }
+  std::FILE* file = _fdopen(descriptor, "r+b");
+  if (!file)
+    _close(descriptor); // removes the file
+  return file;
+}
+#else
 // An unnamed file that the system removes when it is closed or the process ends.
+std::FILE* openTemporaryFile() {
+  return std::tmpfile();
+}
+#endif
+
 std::FILE* createTemporaryFile() {
-  std::FILE* file = std::tmpfile();
+  std::FILE* file = openTemporaryFile();
   if (file)
     std::setvbuf(file, nullptr, _IOFBF, spillBufferBytes);
   return file;

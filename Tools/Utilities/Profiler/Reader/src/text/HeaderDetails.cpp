@@ -3,6 +3,7 @@
 
 #include "plugin/Logging.h"
 
+#include <cstdio>
 #include <ctime>
 #include <sstream>
 
@@ -13,7 +14,7 @@ namespace {
 constexpr uint64_t microsecondsPerSecond = 1000000;
 constexpr size_t asctimeBytes = 26; // the C library's fixed "asctime" buffer
 
-// The platform's reentrant forms of localtime and asctime; false on failure.
+// The platform's reentrant form of localtime; false on failure.
 bool toLocalTime(std::time_t seconds, std::tm& local) {
 #if defined(_WIN32)
   return localtime_s(&local, &seconds) == 0;
@@ -22,12 +23,17 @@ bool toLocalTime(std::time_t seconds, std::tm& local) {
 #endif
 }
 
+// The C standard's "asctime" layout, written out here because Windows' C library pads the day
+// with a zero where the standard has a blank. False when the text does not fit the buffer (a
+// year of five digits or more).
 bool formatAsctime(const std::tm& local, char (&text)[asctimeBytes]) {
-#if defined(_WIN32)
-  return asctime_s(text, asctimeBytes, &local) == 0;
-#else
-  return asctime_r(&local, text) != nullptr;
-#endif
+  static constexpr const char* weekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+  static constexpr const char* months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                           "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  const int length = std::snprintf(text, asctimeBytes, "%.3s %.3s%3d %.2d:%.2d:%.2d %d\n",
+                                   weekdays[local.tm_wday], months[local.tm_mon], local.tm_mday,
+                                   local.tm_hour, local.tm_min, local.tm_sec, 1900 + local.tm_year);
+  return length > 0 && length < int(asctimeBytes);
 }
 
 } // namespace

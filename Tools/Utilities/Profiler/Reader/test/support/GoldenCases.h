@@ -16,13 +16,19 @@ namespace kvt::profiling::testing {
 // The folder holding one folder per case, with its inputs and expected outputs.
 inline const std::filesystem::path goldenCaseDir = KVT_TEST_DATA_DIR "/golden";
 
-// The names of the case folders, sorted.
+// The names of the case folders, sorted. A folder holding a file "not-on-windows" pins what
+// Windows' C library does differently (the file says what); Windows builds leave it out.
 inline std::vector<std::string> goldenCaseNames() {
   std::vector<std::string> cases;
   for (const std::filesystem::directory_entry& entry :
-       std::filesystem::directory_iterator(goldenCaseDir))
+       std::filesystem::directory_iterator(goldenCaseDir)) {
+#if defined(_WIN32)
+    if (std::filesystem::exists(entry.path() / "not-on-windows"))
+      continue;
+#endif
     if (entry.is_directory())
       cases.push_back(entry.path().filename().string());
+  }
   std::sort(cases.begin(), cases.end());
   return cases;
 }

@@ -7,7 +7,11 @@
 #include <fstream>
 #include <sstream>
 
+#if defined(_WIN32)
+#include <process.h>
+#else
 #include <unistd.h>
+#endif
 
 namespace kvt::profiling::testing {
 
@@ -16,16 +20,27 @@ namespace {
 // Memory-backed when the machine has it: tests that rewrite files thousands of times would
 // otherwise wait on the disk's flushes of truncated files.
 std::filesystem::path scratchRoot() {
+#if defined(__linux__)
   if (!std::getenv("TMPDIR") && std::filesystem::is_directory("/dev/shm"))
     return "/dev/shm";
+#endif
   return std::filesystem::temp_directory_path();
+}
+
+int processId() {
+#if defined(_WIN32)
+  return _getpid();
+#else
+  return getpid();
+#endif
 }
 
 } // namespace
 
 TempDir::TempDir() {
   static std::atomic<unsigned> counter{0};
-  root = scratchRoot() / ("kvt-test-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
+  root =
+      scratchRoot() / ("kvt-test-" + std::to_string(processId()) + "-" + std::to_string(counter++));
   std::filesystem::remove_all(root);
   std::filesystem::create_directories(root);
 }
@@ -51,6 +66,14 @@ std::string readFile(const std::filesystem::path& path) {
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
+}
+
+std::string asWrittenInTextMode(std::string text) {
+#if defined(_WIN32)
+  for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 2))
+    text.insert(at, 1, '\r');
+#endif
+  return text;
 }
 
 std::string fixtureLog(const std::string& name) {

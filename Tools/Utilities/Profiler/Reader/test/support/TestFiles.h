@@ -29,6 +29,10 @@ private:
 // The whole content of a file; empty when it cannot be read.
 std::string readFile(const std::filesystem::path& path);
 
+// Text as a program writes it to a file or standard stream opened in text mode: Windows ends
+// the lines with CRLF, elsewhere the text stays as it is. Expected files hold LF line ends.
+std::string asWrittenInTextMode(std::string text);
+
 // Where the fixture logs compiled from test/fixtures/NAME.json lie: NAME.log.
 std::string fixtureLog(const std::string& name);
 
