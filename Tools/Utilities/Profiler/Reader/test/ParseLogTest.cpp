@@ -1,5 +1,5 @@
 // A whole parse through the reader where the golden cases cannot go: a corrupt chunk after good
-// ones, a very large chunk.
+// ones, a very large chunk, the average's timestamp that no output prints.
 #include "plugin/KvtProfileLogReader.h"
 #include "plugin/Logging.h"
 #include "support/CapturingLogger.h"
@@ -52,6 +52,16 @@ TEST(ParseLog, ReadsAMillionMessageChunk) {
       VisibilityLevel{1});
   ASSERT_TRUE(reader.parseLog(false));
   EXPECT_EQ(reader.eventModel().composeGraphsTiming.duration, 3u);
+}
+
+TEST(ParseLog, TheAverageKeepsTheLastExecutionsTimestampNotTheLargest) {
+  const testing::TempDir dir;
+  KvtProfileLogReader reader(
+      dir.write("run.log",
+                buildLog(std::vector{testing::chunkOf({execute(5), execute(9), execute(3)})})),
+      VisibilityLevel{1});
+  ASSERT_TRUE(reader.parseLog(false));
+  EXPECT_EQ(reader.eventModel().averageExecutionByGraph.find("g")->timestamp, 3u);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
-// Merging by identifier, from records or straight from a verified buffer. An index from
-// identifier to first record keeps repeated merges of wide lists linear; its results are those of
-// a search from the start of the list.
+// Merging by identifier, straight from a verified buffer. An index from identifier to first record
+// keeps repeated merges of wide lists linear; its results are those of a search from the start of
+// the list.
 #include "EventMerge.h"
 
 #include "EventBuilder.h"
@@ -13,20 +13,6 @@ namespace {
 
 // Lists up to this many records are searched linearly; an index would cost more than it saves.
 constexpr size_t linearSearchRecords = 16;
-
-// Incoming events that are records already.
-class RecordSource {
-public:
-  explicit RecordSource(const EventList& records) : records(records) {}
-  size_t size() const { return records.size(); }
-  std::string_view identifier(size_t i) const { return records[i].identifier; }
-  uint64_t payload(size_t i) const { return records[i].value.payload; }
-  RecordSource children(size_t i) const { return RecordSource(records[i].children); }
-  EventRecord copy(size_t i) const { return records[i]; }
-
-private:
-  const EventList& records;
-};
 
 // Incoming events still in the buffer: some top-level events of a message, or a nested vector.
 class BufferSource {
@@ -91,8 +77,7 @@ IdentifierIndex& getOrCreateChildIndex(IdentifierIndex& index, size_t position, 
   return index.children[position];
 }
 
-template <typename Source>
-void mergeIndexed(EventList& accumulated, IdentifierIndex& index, const Source& incoming) {
+void mergeEventLists(EventList& accumulated, IdentifierIndex& index, const BufferSource& incoming) {
   // Only records that existed before this merge may match; the unmatched join them at the end,
   // in incoming order, as they come.
   const size_t existing = accumulated.size();
@@ -108,18 +93,13 @@ void mergeIndexed(EventList& accumulated, IdentifierIndex& index, const Source& 
     match.value.payload += incoming.payload(i); // bit patterns added, floats included
     match.value.dataType = dataTypeU64;
     ++match.count;
-    const Source children = incoming.children(i);
+    const BufferSource children = incoming.children(i);
     if (children.size() != 0)
-      mergeIndexed(match.children, getOrCreateChildIndex(index, position, existing), children);
+      mergeEventLists(match.children, getOrCreateChildIndex(index, position, existing), children);
   }
 }
 
 } // namespace
-
-void mergeEventLists(EventList& accumulated, const EventList& incoming) {
-  IdentifierIndex index;
-  mergeIndexed(accumulated, index, RecordSource(incoming));
-}
 
 void averageEventCounts(EventList& events) {
   for (EventRecord& record : events) {
@@ -129,15 +109,10 @@ void averageEventCounts(EventList& events) {
   }
 }
 
-void ExecutionAverager::add(const ExecutionEntry& execution) {
-  addTiming(execution.duration, execution.timestamp);
-  mergeIndexed(events, index, RecordSource(execution.events));
-}
-
 void ExecutionAverager::add(uint64_t duration, uint64_t timestamp,
                             std::span<const schema::Event* const> topLevel) {
   addTiming(duration, timestamp);
-  mergeIndexed(events, index, BufferSource(topLevel));
+  mergeEventLists(events, index, BufferSource(topLevel));
 }
 
 ExecutionEntry ExecutionAverager::average() && {

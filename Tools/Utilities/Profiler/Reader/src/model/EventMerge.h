@@ -19,14 +19,6 @@ namespace schema {
 struct Event;
 } // namespace schema
 
-// Merges incoming into accumulated. Each incoming record, in order, is matched with the first
-// record of accumulated, as it was before this call, whose identifier has the same bytes: the
-// payloads are added as unsigned 64-bit integers whatever their data types (a float by its bit
-// pattern), the match becomes dataTypeU64 with its count one higher, and the children are merged
-// the same way. Unmatched records are appended at the end, in incoming order.
-// Example: [a=1, b=2] merged with [b=5, c=7, b=1] gives [a=1, b=8 (count 3), c=7].
-void mergeEventLists(EventList& accumulated, const EventList& incoming);
-
 // Divides every payload by its record's count (truncating) and sets dataTypeU64, at every depth.
 void averageEventCounts(EventList& events);
 
@@ -45,13 +37,16 @@ struct IdentifierIndex {
 };
 
 // The running average of one graph's executions: each execution is folded in as it comes, so
-// that the executions themselves need not be kept for it. Both ways of adding merge as
-// mergeEventLists does.
+// that the executions themselves need not be kept for it.
 class ExecutionAverager {
 public:
-  void add(const ExecutionEntry& execution);
-  // The same for an execution still in a verified buffer: its top-level events, in log order.
-  // Only records that are new to the average are copied out of the buffer.
+  // Adds an execution still in a verified buffer: its top-level events, in log order. Each event,
+  // in order, is matched with the first record of the average, as it was before this call, whose
+  // identifier has the same bytes: the payloads are added as unsigned 64-bit integers whatever
+  // their data types (a float by its bit pattern), the match becomes dataTypeU64 with its count
+  // one higher, and the children are merged the same way. Unmatched events are appended at the
+  // end, in incoming order; only they are copied out of the buffer.
+  // Example: [a=1, b=2] merged with [b=5, c=7, b=1] gives [a=1, b=8 (count 3), c=7].
   void add(uint64_t duration, uint64_t timestamp, std::span<const schema::Event* const> events);
   // Consumes the accumulator: the mean duration (truncating), the latest timestamp, and the
   // merged events averaged by their counts. All zero and empty when nothing was added.
