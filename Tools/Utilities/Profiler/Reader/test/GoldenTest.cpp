@@ -13,9 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
-#include <fstream>
 #include <functional>
 #include <memory>
 
@@ -54,15 +51,6 @@ const ReaderVariant csvReader{"events.csv", "expected.csv", "expected.csv.stdout
                                     logPath, VisibilityLevel::keepAll);
                               }};
 
-// Machine-specific paths in reports become placeholders, so the expected files hold none.
-std::string withPlaceholders(std::string text, const std::string& path,
-                             const std::string& placeholder) {
-  for (size_t at = text.find(path); !path.empty() && at != std::string::npos;
-       at = text.find(path, at + placeholder.size()))
-    text.replace(at, path.size(), placeholder);
-  return text;
-}
-
 struct ReaderOutputs {
   std::string file; // empty when the reader wrote none
   std::string stdoutText;
@@ -86,44 +74,20 @@ ReaderOutputs runReader(const ReaderVariant& variant, const std::string& caseNam
                      "\nwriteOutputs: " + (written ? "true" : "false") + "\n";
   }
   for (const testing::Report& report : logger.reports()) {
-    std::string text = withPlaceholders(report.text, outputDir.path().string(), "<output-dir>");
-    text = withPlaceholders(text, goldenLogDir.string(), "<log-dir>");
+    std::string text =
+        testing::withPlaceholders(report.text, outputDir.path().string(), "<output-dir>");
+    text = testing::withPlaceholders(text, goldenLogDir.string(), "<log-dir>");
     outputs.result += "level " + std::to_string(report.level) + ": " + text + "\n";
   }
   outputs.file = readFile(outputPath);
   return outputs;
 }
 
-void writeExpected(const fs::path& path, const std::string& text) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file << text;
-  ASSERT_TRUE(file.good()) << "cannot write " << path;
-}
-
 void compareOrUpdate(const fs::path& caseDir, const ReaderVariant& variant,
                      const ReaderOutputs& outputs) {
-  struct Expectation {
-    const char* name;
-    const std::string& actual;
-    bool writtenInTextMode; // a file the reader wrote, rather than text captured in memory
-  };
-  const Expectation expectations[] = {
-      {variant.fileExpected, outputs.file, true},
-      {variant.stdoutExpected, outputs.stdoutText, false},
-      {variant.resultExpected, outputs.result, false},
-  };
-  for (const auto& [name, actual, writtenInTextMode] : expectations) {
-    SCOPED_TRACE(name);
-    const fs::path expectedPath = caseDir / name;
-    if (testing::updatingGolden()) {
-      writeExpected(expectedPath, actual);
-      continue;
-    }
-    ASSERT_TRUE(fs::exists(expectedPath))
-        << expectedPath << " is missing; run with KVT_UPDATE_GOLDEN=1 and review the result";
-    EXPECT_EQ(actual, writtenInTextMode ? testing::asWrittenInTextMode(readFile(expectedPath))
-                                        : readFile(expectedPath));
-  }
+  testing::expectGoldenFile(caseDir / variant.fileExpected, outputs.file, true);
+  testing::expectGoldenFile(caseDir / variant.stdoutExpected, outputs.stdoutText);
+  testing::expectGoldenFile(caseDir / variant.resultExpected, outputs.result);
 }
 
 class GoldenTest : public ::testing::TestWithParam<std::string> {

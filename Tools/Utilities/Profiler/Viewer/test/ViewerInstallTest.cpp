@@ -1,5 +1,4 @@
 // The installed viewer finds its readers from any working directory and does its whole job.
-#include "GoldenFiles.h"
 #include "ProgramRun.h"
 #include "support/GoldenCases.h"
 #include "support/TestFiles.h"
@@ -9,7 +8,9 @@
 namespace kvt::profiling {
 namespace {
 
-using testing::expectGolden;
+const std::filesystem::path viewerGolden = KVT_VIEWER_GOLDEN_DIR;
+
+using testing::expectGoldenFile;
 using testing::goldenCaseDir;
 using testing::ProgramRun;
 using testing::readFile;
@@ -30,8 +31,8 @@ TEST(ViewerInstall, RunsFromTheInstalledLayoutInAnyDirectory) {
     const ProgramRun run =
         runProgram(program, {"--input", "missing.log", "--reader", reader}, elsewhere.path());
     EXPECT_EQ(run.exitCode, 1);
-    expectGolden("missing-input.stdout", run.standardOutput);
-    expectGolden("missing-input.stderr", run.standardError);
+    expectGoldenFile(viewerGolden / "missing-input.stdout", run.standardOutput, true);
+    expectGoldenFile(viewerGolden / "missing-input.stderr", run.standardError, true);
   }
 
   const std::string log = KVT_GOLDEN_LOG_DIR "/detailed-execution.log";

@@ -1,6 +1,6 @@
 // The built viewer run as a subprocess: exit codes, standard output and standard error.
-#include "GoldenFiles.h"
 #include "ProgramRun.h"
+#include "support/GoldenCases.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,9 @@
 namespace kvt::profiling {
 namespace {
 
-using testing::expectGolden;
+const std::filesystem::path viewerGolden = KVT_VIEWER_GOLDEN_DIR;
+
+using testing::expectGoldenFile;
 using testing::fixtureLog;
 using testing::ProgramRun;
 using testing::runProgram;
@@ -67,8 +69,8 @@ TEST(ViewerProgram, MatchesGoldenOutputs) {
     SCOPED_TRACE(c.what);
     const ProgramRun run = runViewer(c.arguments);
     EXPECT_EQ(run.exitCode, c.exitCode);
-    expectGolden(std::string(c.golden) + ".stdout", run.standardOutput);
-    expectGolden(std::string(c.golden) + ".stderr", run.standardError);
+    expectGoldenFile(viewerGolden / (c.golden + std::string(".stdout")), run.standardOutput, true);
+    expectGoldenFile(viewerGolden / (c.golden + std::string(".stderr")), run.standardError, true);
   }
 }
 
