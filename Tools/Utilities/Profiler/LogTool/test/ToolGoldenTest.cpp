@@ -14,8 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path caseRoot = KVT_ANALYSIS_GOLDEN_DIR;
-const fs::path logRoot = KVT_ANALYSIS_LOG_DIR;
+const fs::path caseRoot = KVT_TOOL_GOLDEN_DIR;
+const fs::path logRoot = KVT_TOOL_LOG_DIR;
 
 // The arguments of a command line, {NAME} replaced by the path of the case's NAME.log.
 std::vector<std::string> readArguments(const std::string& line, const std::string& caseName) {
@@ -29,9 +29,9 @@ std::vector<std::string> readArguments(const std::string& line, const std::strin
   return arguments;
 }
 
-class AnalysisGolden : public ::testing::TestWithParam<std::string> {};
+class ToolGolden : public ::testing::TestWithParam<std::string> {};
 
-TEST_P(AnalysisGolden, PrintsExpectedReports) {
+TEST_P(ToolGolden, PrintsExpectedReports) {
   const fs::path caseDir = caseRoot / GetParam();
   std::istringstream commands(testing::readFile(caseDir / "commands"));
   std::string results;
@@ -52,7 +52,7 @@ TEST_P(AnalysisGolden, PrintsExpectedReports) {
   testing::expectGoldenFile(caseDir / "results", results);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, AnalysisGolden,
+INSTANTIATE_TEST_SUITE_P(Cases, ToolGolden,
                          ::testing::ValuesIn(testing::goldenCaseNames(caseRoot)),
                          testing::goldenCaseTestName);
 
