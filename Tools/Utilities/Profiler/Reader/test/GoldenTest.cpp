@@ -64,15 +64,13 @@ ReaderOutputs runReader(const ReaderVariant& variant, const std::string& caseNam
 
   CapturingLogger logger;
   ReaderOutputs outputs;
-  {
-    StdoutCapture captured;
-    std::unique_ptr<KvtProfileLogReader> reader = variant.makeReader(logPath);
-    const bool parsed = reader->parseLog(false);
-    const bool written = reader->writeOutputs(outputPath.string());
-    outputs.stdoutText = captured.text();
-    outputs.result = std::string("parseLog: ") + (parsed ? "true" : "false") +
-                     "\nwriteOutputs: " + (written ? "true" : "false") + "\n";
-  }
+  StdoutCapture captured;
+  std::unique_ptr<KvtProfileLogReader> reader = variant.makeReader(logPath);
+  const bool parsed = reader->parseLog(false);
+  const bool written = reader->writeOutputs(outputPath.string());
+  outputs.stdoutText = captured.text();
+  outputs.result = std::string("parseLog: ") + (parsed ? "true" : "false") +
+                   "\nwriteOutputs: " + (written ? "true" : "false") + "\n";
   for (const testing::Report& report : logger.reports()) {
     std::string text =
         testing::withPlaceholders(report.text, outputDir.path().string(), "<output-dir>");
@@ -80,6 +78,11 @@ ReaderOutputs runReader(const ReaderVariant& variant, const std::string& caseNam
     outputs.result += "level " + std::to_string(report.level) + ": " + text + "\n";
   }
   outputs.file = readFile(outputPath);
+  // Writing again gives the same file: what the parse streamed aside is read back, not used up.
+  if (written) {
+    EXPECT_TRUE(reader->writeOutputs(outputPath.string() + ".again"));
+    EXPECT_EQ(readFile(outputPath.string() + ".again"), outputs.file);
+  }
   return outputs;
 }
 
