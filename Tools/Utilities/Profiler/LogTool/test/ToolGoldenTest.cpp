@@ -17,43 +17,60 @@ namespace fs = std::filesystem;
 const fs::path caseRoot = KVT_TOOL_GOLDEN_DIR;
 const fs::path logRoot = KVT_TOOL_LOG_DIR;
 
-// The arguments of a command line, {NAME} replaced by the path of the case's NAME.log.
-std::vector<std::string> readArguments(const std::string& line, const std::string& caseName) {
-  std::vector<std::string> arguments;
-  std::istringstream words(line);
-  for (std::string word; words >> word;) {
-    if (word.size() > 2 && word.front() == '{' && word.back() == '}')
-      word = (logRoot / caseName / (word.substr(1, word.size() - 2) + ".log")).string();
-    arguments.push_back(word);
+// Where a case's commands read and write. In a command line {NAME} stands for the case's log
+// NAME.log, built from its NAME.json; [PATH] for the file PATH of the case's folder; <out> for a
+// fresh folder that also keeps each command's standard output as OUTPUT.out for later commands.
+struct CasePlaces {
+  fs::path caseDir;
+  fs::path logDir;
+  testing::TempDir outDir;
+
+  std::vector<std::string> arguments(const std::string& line) const {
+    std::vector<std::string> words;
+    std::istringstream text(line);
+    for (std::string word; text >> word;) {
+      const std::string inner = word.size() > 2 ? word.substr(1, word.size() - 2) : "";
+      if (word.front() == '{' && word.back() == '}')
+        word = (logDir / (inner + ".log")).string();
+      else if (word.front() == '[' && word.back() == ']')
+        word = (caseDir / inner).string();
+      else if (word.starts_with("<out>"))
+        word = outDir.path().string() + word.substr(5);
+      words.push_back(word);
+    }
+    return words;
   }
-  return arguments;
-}
+
+  // Printed text without the machine's paths.
+  std::string placeheld(const std::string& text) const {
+    std::string result = testing::withPlaceholders(text, logDir.string(), "<logs>");
+    result = testing::withPlaceholders(result, caseDir.string(), "<case>");
+    return testing::withPlaceholders(result, outDir.path().string(), "<out>");
+  }
+};
 
 class ToolGolden : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(ToolGolden, PrintsExpectedReports) {
-  const fs::path caseDir = caseRoot / GetParam();
-  std::istringstream commands(testing::readFile(caseDir / "commands"));
+  const CasePlaces places{caseRoot / GetParam(), logRoot / GetParam(), {}};
+  std::istringstream commands(testing::readFile(places.caseDir / "commands"));
   std::string results;
   for (std::string line; std::getline(commands, line);) {
     const size_t colon = line.find(':');
     ASSERT_NE(colon, std::string::npos) << "no 'OUTPUT: ARGS' in " << line;
     const std::string output = line.substr(0, colon);
-    const std::vector<std::string> arguments = readArguments(line.substr(colon + 1), GetParam());
     std::ostringstream out;
     std::ostringstream err;
     ToolConsole console{out, err, false};
-    const int exitCode = runToolCommand(arguments, console);
-    testing::expectGoldenFile(caseDir / (output + ".out"),
-                              testing::withPlaceholders(out.str(), logRoot.string(), "<logs>"));
-    results += output + ": exit " + std::to_string(exitCode) + "\n" +
-               testing::withPlaceholders(err.str(), logRoot.string(), "<logs>");
+    const int exitCode = runToolCommand(places.arguments(line.substr(colon + 1)), console);
+    places.outDir.write(output + ".out", out.str());
+    testing::expectGoldenFile(places.caseDir / (output + ".out"), places.placeheld(out.str()));
+    results += output + ": exit " + std::to_string(exitCode) + "\n" + places.placeheld(err.str());
   }
-  testing::expectGoldenFile(caseDir / "results", results);
+  testing::expectGoldenFile(places.caseDir / "results", results);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, ToolGolden,
-                         ::testing::ValuesIn(testing::goldenCaseNames(caseRoot)),
+INSTANTIATE_TEST_SUITE_P(Cases, ToolGolden, ::testing::ValuesIn(testing::goldenCaseNames(caseRoot)),
                          testing::goldenCaseTestName);
 
 } // namespace
