@@ -1,6 +1,5 @@
 // What dump makes of logs it cannot read whole: the bad chunk is named by number and offset, the
 // good chunks still make a complete document, and the exit status is 1.
-#include "TextSearch.h"
 #include "ToolRun.h"
 #include "log/LogWriter.h"
 #include "support/LogSpecs.h"
@@ -13,10 +12,16 @@
 namespace kvt::profiling {
 namespace {
 
-using testing::countOf;
 using testing::runTool;
 using testing::TempDir;
 using testing::ToolRun;
+
+size_t countOf(const std::string& text, const std::string& part) {
+  size_t count = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+    ++count;
+  return count;
+}
 
 struct FramedLog {
   std::vector<uint8_t> bytes;
