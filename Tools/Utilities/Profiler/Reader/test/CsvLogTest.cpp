@@ -1,5 +1,5 @@
 // The output frame around the CSV event log and the summary, where the golden cases cannot go:
-// the order of file and summary, an unwritable file and temporary files that run out of space.
+// the order of file and summary, and temporary files that run out of space.
 #include "text/CsvLog.h"
 #include "log/LogWriter.h"
 #include "model/EventModel.h"
@@ -109,21 +109,6 @@ TEST(CsvOutputs, PrintsTheSummaryOnceTheCsvFileIsComplete) {
   EXPECT_EQ(readFile(csvPath), expectedCsv);
   EXPECT_EQ(printed.csv, expectedCsv);
   EXPECT_NE(printed.str(), "");
-}
-
-TEST(CsvOutputs, UnwritablePathReportsAndPrintsNothing) {
-  const TempDir dir;
-  const std::string csvPath = (dir.path() / "missing" / "events.csv").string();
-  const EventModel model = modelOfARun();
-  CapturingLogger logger(logError);
-  StdoutCapture printed;
-
-  EXPECT_FALSE(writeOutputsOf(csvPath, model));
-
-  EXPECT_EQ(printed.text(), "");
-  EXPECT_EQ(logger.texts(logError),
-            std::vector<std::string>{"Invalid output csvfile: [" + csvPath + "]"});
-  EXPECT_FALSE(std::filesystem::exists(csvPath));
 }
 
 #if defined(_WIN32)
