@@ -16,7 +16,8 @@ for arg in "$@"; do
   esac
 done
 
-stage() { printf '\n=== %s\n' "$*"; }
+# Each stage's heading says how long the run has taken so far, for CI's time budget.
+stage() { printf '\n=== %s (after %d s)\n' "$*" "$SECONDS"; }
 
 # The readers, the viewer and their tests for another platform; the release build's log tool
 # compiles the test logs.
@@ -55,3 +56,5 @@ if ((platforms)); then
   stage "aarch64 build and tests under qemu"
   cross_build_and_test build-aarch64 cmake/toolchains/aarch64-linux-gnu.cmake
 fi
+
+stage "all stages passed"
