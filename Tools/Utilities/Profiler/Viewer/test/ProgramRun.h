@@ -1,5 +1,8 @@
-// Runs a built program as a subprocess and captures what it prints, for end-to-end tests.
+// Runs a built program as a subprocess, captures what it prints and compares it with golden files,
+// for end-to-end tests.
 #pragma once
+
+#include "support/GoldenCases.h"
 
 #include <filesystem>
 #include <string>
@@ -18,5 +21,13 @@ struct ProgramRun {
 ProgramRun runProgram(const std::filesystem::path& program,
                       const std::vector<std::string>& arguments,
                       const std::filesystem::path& workingDir);
+
+// Expects the run's standard output and standard error to be the viewer's golden files
+// golden/<name>.stdout and golden/<name>.stderr, as a program writes them in text mode.
+inline void expectGoldenRun(const std::string& name, const ProgramRun& run) {
+  const std::filesystem::path golden = KVT_VIEWER_GOLDEN_DIR;
+  expectGoldenFile(golden / (name + ".stdout"), run.standardOutput, true);
+  expectGoldenFile(golden / (name + ".stderr"), run.standardError, true);
+}
 
 } // namespace kvt::profiling::testing

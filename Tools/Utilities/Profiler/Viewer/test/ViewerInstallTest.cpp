@@ -8,9 +8,6 @@
 namespace kvt::profiling {
 namespace {
 
-const std::filesystem::path viewerGolden = KVT_VIEWER_GOLDEN_DIR;
-
-using testing::expectGoldenFile;
 using testing::goldenCaseDir;
 using testing::ProgramRun;
 using testing::readFile;
@@ -31,8 +28,7 @@ TEST(ViewerInstall, RunsFromTheInstalledLayoutInAnyDirectory) {
     const ProgramRun run =
         runProgram(program, {"--input", "missing.log", "--reader", reader}, elsewhere.path());
     EXPECT_EQ(run.exitCode, 1);
-    expectGoldenFile(viewerGolden / "missing-input.stdout", run.standardOutput, true);
-    expectGoldenFile(viewerGolden / "missing-input.stderr", run.standardError, true);
+    testing::expectGoldenRun("missing-input", run);
   }
 
   const std::string log = KVT_GOLDEN_LOG_DIR "/detailed-execution.log";

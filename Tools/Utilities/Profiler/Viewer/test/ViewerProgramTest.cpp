@@ -1,6 +1,5 @@
 // The built viewer run as a subprocess: exit codes, standard output and standard error.
 #include "ProgramRun.h"
-#include "support/GoldenCases.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -10,9 +9,6 @@
 namespace kvt::profiling {
 namespace {
 
-const std::filesystem::path viewerGolden = KVT_VIEWER_GOLDEN_DIR;
-
-using testing::expectGoldenFile;
 using testing::fixtureLog;
 using testing::ProgramRun;
 using testing::runProgram;
@@ -74,8 +70,7 @@ TEST(ViewerProgram, MatchesGoldenOutputs) {
     SCOPED_TRACE(c.what);
     const ProgramRun run = runViewer(c.arguments);
     EXPECT_EQ(run.exitCode, c.exitCode);
-    expectGoldenFile(viewerGolden / (c.golden + std::string(".stdout")), run.standardOutput, true);
-    expectGoldenFile(viewerGolden / (c.golden + std::string(".stderr")), run.standardError, true);
+    testing::expectGoldenRun(c.golden, run);
   }
 }
 
