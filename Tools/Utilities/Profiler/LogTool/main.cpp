@@ -1,6 +1,6 @@
 // kvt-profile-log: looks inside, builds, synthesises and measures profiling logs.
 #include "ProgressLine.h"
-#include "RunToolCommand.h"
+#include "commands/RunToolCommand.h"
 
 #include <iostream>
 

@@ -1,7 +1,7 @@
 // Runs the commands of every case folder of golden/ through the log tool, on the logs built from
 // the folder's JSON, and compares what they print byte for byte with the expected files beside
 // them. KVT_UPDATE_GOLDEN=1 rewrites the expected files instead; review their diff.
-#include "RunToolCommand.h"
+#include "commands/RunToolCommand.h"
 #include "support/GoldenCases.h"
 
 #include <gtest/gtest.h>

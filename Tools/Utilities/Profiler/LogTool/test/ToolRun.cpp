@@ -1,7 +1,7 @@
 // In-process runs of the log tool.
 #include "ToolRun.h"
 
-#include "RunToolCommand.h"
+#include "commands/RunToolCommand.h"
 
 #include <sstream>
 

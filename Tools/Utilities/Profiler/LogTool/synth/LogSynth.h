@@ -3,7 +3,7 @@
 // written chunk by chunk in memory that does not grow with the number of executions.
 #pragma once
 
-#include "ToolConsole.h"
+#include "commands/ToolConsole.h"
 
 #include <cstdint>
 #include <string>

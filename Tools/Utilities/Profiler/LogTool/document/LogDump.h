@@ -2,7 +2,7 @@
 // into the same file.
 #pragma once
 
-#include "ToolConsole.h"
+#include "commands/ToolConsole.h"
 
 #include <string>
 

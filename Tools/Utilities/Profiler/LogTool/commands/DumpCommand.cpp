@@ -1,7 +1,7 @@
 // `kvt-profile-log dump LOG` on the command line.
 #include "CommandLine.h"
-#include "LogDump.h"
 #include "ToolCommands.h"
+#include "document/LogDump.h"
 
 #include <memory>
 

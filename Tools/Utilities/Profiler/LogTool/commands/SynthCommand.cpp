@@ -1,7 +1,7 @@
 // `kvt-profile-log synth` on the command line.
 #include "CommandLine.h"
-#include "LogSynth.h"
 #include "ToolCommands.h"
+#include "synth/LogSynth.h"
 
 #include <memory>
 

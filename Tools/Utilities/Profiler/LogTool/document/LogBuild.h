@@ -2,7 +2,7 @@
 // file per chunk.
 #pragma once
 
-#include "ToolConsole.h"
+#include "commands/ToolConsole.h"
 
 #include <string>
 #include <vector>

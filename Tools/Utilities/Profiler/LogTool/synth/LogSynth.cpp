@@ -3,11 +3,11 @@
 // the tables from SynthTables.
 #include "LogSynth.h"
 
-#include "ChunkFileWriter.h"
 #include "ProgressLine.h"
 #include "SynthFigures.h"
 #include "SynthSteps.h"
 #include "SynthTables.h"
+#include "document/ChunkFileWriter.h"
 
 #include <array>
 #include <vector>

@@ -1,7 +1,7 @@
 // `kvt-profile-log build` on the command line.
 #include "CommandLine.h"
-#include "LogBuild.h"
 #include "ToolCommands.h"
+#include "document/LogBuild.h"
 
 #include <memory>
 
