@@ -7,8 +7,8 @@
 #include "FloorWalk.h"
 #include "LogSynthesis.h"
 #include "ReaderHost.h"
-#include "StatisticsPass.h"
-#include "StatsReport.h"
+#include "reports/StatsReport.h"
+#include "statistics/StatisticsPass.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,10 +1,10 @@
 // Feeds arbitrary bytes to both readers as a log file: parse, then every output into a
 // scratch directory; then the statistics pass and every statistics report. Any crash, leak, hang
 // or runaway allocation is a finding.
-#include "CompareReport.h"
-#include "StatisticsPass.h"
-#include "StatsReport.h"
 #include "plugin/KvtProfileLogReader.h"
+#include "reports/CompareReport.h"
+#include "reports/StatsReport.h"
+#include "statistics/StatisticsPass.h"
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
 #include <cstddef>

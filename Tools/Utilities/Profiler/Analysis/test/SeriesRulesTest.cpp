@@ -1,7 +1,7 @@
 // The two rules of the statistics that small logs express badly: which value a nearest-rank
 // percentile picks, and the p-value of the rank test on small known samples.
-#include "MannWhitney.h"
-#include "SeriesSummary.h"
+#include "comparison/MannWhitney.h"
+#include "statistics/SeriesSummary.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // `kvt-profile-log compare BASE NEW` on the command line; the comparison itself is the analysis
 // library's.
 #include "CommandLine.h"
-#include "CompareReport.h"
 #include "ReaderReports.h"
-#include "StatisticsPass.h"
 #include "StatsCommand.h"
 #include "ToolCommands.h"
+#include "reports/CompareReport.h"
+#include "statistics/StatisticsPass.h"
 
 #include <charconv>
 #include <memory>

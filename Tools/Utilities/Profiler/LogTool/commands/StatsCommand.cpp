@@ -4,9 +4,9 @@
 
 #include "CommandLine.h"
 #include "ReaderReports.h"
-#include "StatisticsPass.h"
-#include "StatsReport.h"
 #include "ToolCommands.h"
+#include "reports/StatsReport.h"
+#include "statistics/StatisticsPass.h"
 
 #include <memory>
 

@@ -2,9 +2,9 @@
 // them, so the column reads as "these rows together take this much".
 #include "Distribution.h"
 #include "ReportText.h"
-#include "SeriesSummary.h"
 #include "StatsReport.h"
-#include "StepShares.h"
+#include "statistics/SeriesSummary.h"
+#include "statistics/StepShares.h"
 
 #include <algorithm>
 #include <numeric>

@@ -2,7 +2,7 @@
 // tables whose columns line up.
 #pragma once
 
-#include "SeriesSummary.h"
+#include "statistics/SeriesSummary.h"
 
 #include <optional>
 #include <ostream>

@@ -1,7 +1,7 @@
 // The reports of kvt-profile-log stats: an aligned table per graph, one JSON document, or CSV.
 #pragma once
 
-#include "RunStatistics.h"
+#include "statistics/RunStatistics.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,9 +1,9 @@
 // The CSV report: the series of every graph in the order the comparison walks them.
 #include "ReportText.h"
-#include "SeriesList.h"
-#include "SeriesSummary.h"
 #include "StatsReport.h"
-#include "StepShares.h"
+#include "statistics/SeriesList.h"
+#include "statistics/SeriesSummary.h"
+#include "statistics/StepShares.h"
 
 namespace kvt::profiling {
 

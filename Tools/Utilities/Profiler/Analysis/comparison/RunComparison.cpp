@@ -3,7 +3,7 @@
 #include "RunComparison.h"
 
 #include "MannWhitney.h"
-#include "SeriesSummary.h"
+#include "statistics/SeriesSummary.h"
 
 #include <unordered_map>
 

@@ -2,8 +2,8 @@
 // series gets a verdict from the change of its median and a rank test.
 #pragma once
 
-#include "RunStatistics.h"
-#include "SeriesList.h"
+#include "statistics/RunStatistics.h"
+#include "statistics/SeriesList.h"
 
 #include <cstdint>
 #include <optional>

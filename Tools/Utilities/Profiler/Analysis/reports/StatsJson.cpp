@@ -1,9 +1,9 @@
 // The JSON report, written by hand so that its keys keep the documented order and each series
 // sits on a line of its own.
 #include "ReportText.h"
-#include "SeriesSummary.h"
 #include "StatsReport.h"
-#include "StepShares.h"
+#include "statistics/SeriesSummary.h"
+#include "statistics/StepShares.h"
 
 namespace kvt::profiling {
 

@@ -1,7 +1,7 @@
 // The reports of kvt-profile-log compare: an aligned table, or one JSON document.
 #pragma once
 
-#include "RunComparison.h"
+#include "comparison/RunComparison.h"
 
 #include <ostream>
 #include <string>
