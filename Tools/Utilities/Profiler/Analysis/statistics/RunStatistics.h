@@ -14,6 +14,9 @@ namespace kvt::profiling {
 struct Series {
   std::vector<uint64_t> values;
   std::optional<uint64_t> first;
+  // While a pass that hands out the execution order runs: how many of the values, at the front,
+  // came from skipped executions. 0 once the pass is over.
+  uint64_t skippedValues = 0;
 };
 
 // A top-level back-end record of an execution: the occurrence-th record of its identifier in one

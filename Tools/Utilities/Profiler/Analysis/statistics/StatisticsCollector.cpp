@@ -11,16 +11,20 @@ namespace kvt::profiling {
 
 namespace {
 
-// Where one execution's values go: a skipped execution gives only first values.
+// Where one execution's values go: a skipped execution gives only first values, unless its
+// values are kept for the execution order.
 struct ExecutionPlace {
   bool counted = false;
   bool first = false;
+  bool keepSkipped = false;
 
   void record(Series& series, uint64_t value) const {
     if (first)
       series.first = value;
-    if (counted)
+    if (counted || keepSkipped)
       series.values.push_back(value);
+    if (!counted && keepSkipped)
+      ++series.skippedValues;
   }
 };
 
@@ -72,7 +76,11 @@ void recordSteps(GraphStatistics& graph, OccurrenceIndex& index, const schema::E
   }
 }
 
+// Drops the skipped executions' values, kept only for the sink, and sorts the others.
 void sortValues(Series& series) {
+  series.values.erase(series.values.begin(),
+                      series.values.begin() + std::ptrdiff_t(series.skippedValues));
+  series.skippedValues = 0;
   std::sort(series.values.begin(), series.values.end());
 }
 
@@ -85,7 +93,8 @@ void StatisticsCollector::add(const DispatchedExecution& execution) {
   GraphStatistics& graph = state.statistics;
   if (graph.executions == 0)
     graph.name = execution.graph;
-  const ExecutionPlace place{graph.executions >= skipFirst, graph.executions == 0};
+  const ExecutionPlace place{graph.executions >= skipFirst, graph.executions == 0,
+                             bool(orderedSeries)};
   ++graph.executions;
   if (!place.counted)
     ++graph.skipped;
@@ -107,6 +116,9 @@ RunStatistics StatisticsCollector::take() && {
   RunStatistics run;
   for (auto& [name, state] : graphs) {
     GraphStatistics& graph = state.statistics;
+    if (orderedSeries)
+      for (const SeriesRef& ref : listSeries(graph))
+        orderedSeries(graph, ref, ref.series->values, ref.series->skippedValues);
     sortValues(graph.duration);
     sortValues(graph.queueWait);
     for (BackendSeries& record : graph.backend)

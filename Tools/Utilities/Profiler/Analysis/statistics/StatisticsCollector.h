@@ -3,6 +3,7 @@
 
 #include "OccurrenceIndex.h"
 #include "RunStatistics.h"
+#include "StatisticsPass.h"
 #include "model/ExecutionSeam.h"
 #include "model/GraphMap.h"
 
@@ -13,13 +14,17 @@ namespace kvt::profiling {
 
 class StatisticsCollector {
 public:
-  // The first skipFirst executions of each graph give only the series' first values; with
-  // onlyGraph, the executions of other graphs are ignored.
-  StatisticsCollector(uint64_t skipFirst, std::optional<std::string> onlyGraph)
-      : skipFirst(skipFirst), onlyGraph(std::move(onlyGraph)) {}
+  // The first skipFirst executions of each graph give only the series' first values (and, with
+  // a sink, their values in order to it); with onlyGraph, the executions of other graphs are
+  // ignored.
+  StatisticsCollector(uint64_t skipFirst, std::optional<std::string> onlyGraph,
+                      OrderedSeriesSink orderedSeries = {})
+      : skipFirst(skipFirst), onlyGraph(std::move(onlyGraph)),
+        orderedSeries(std::move(orderedSeries)) {}
 
   void add(const DispatchedExecution& execution);
-  // Consumes the collector: every series with its values sorted ascending.
+  // Consumes the collector: every series, handed to the sink first when there is one, with its
+  // counted values sorted ascending.
   RunStatistics take() &&;
 
 private:
@@ -30,6 +35,7 @@ private:
   };
   uint64_t skipFirst = 0;
   std::optional<std::string> onlyGraph;
+  OrderedSeriesSink orderedSeries;
   GraphMap<GraphState> graphs;
 };
 

@@ -10,7 +10,7 @@ namespace kvt::profiling {
 
 bool readRunStatistics(const std::string& path, const StatisticsOptions& options,
                        RunStatistics& run) {
-  StatisticsCollector collector(options.skipFirst, options.graph);
+  StatisticsCollector collector(options.skipFirst, options.graph, options.orderedSeries);
   const ExecutionConsumers consumers{
       [&collector](const DispatchedExecution& execution) { collector.add(execution); }};
   EventModel model;

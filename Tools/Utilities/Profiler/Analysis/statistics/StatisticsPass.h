@@ -3,18 +3,30 @@
 #pragma once
 
 #include "RunStatistics.h"
+#include "SeriesList.h"
 #include "plugin/VisibilityLevel.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace kvt::profiling {
+
+// Receives a series of a graph once the pass is over, before its values are sorted: every value
+// in execution order, the skippedValues of the skipped executions first. The reference and the
+// values live only during the call.
+using OrderedSeriesSink =
+    std::function<void(const GraphStatistics& graph, const SeriesRef& series,
+                       std::span<const uint64_t> ordered, uint64_t skippedValues)>;
 
 struct StatisticsOptions {
   VisibilityLevel visibilityLevel = VisibilityLevel::keepAll;
   uint64_t skipFirst = 0;           // executions of each graph left out of every series but first
   std::optional<std::string> graph; // the one graph to gather; every graph when none
+  // When set, skipped executions' values are kept too until each series is handed to it.
+  OrderedSeriesSink orderedSeries;
 };
 
 // Reads the log at path into run. False when the file cannot be opened or a chunk is invalid,

@@ -1,0 +1,85 @@
+// `kvt-profile-log report LOG -o report.html` on the command line; the report itself is the
+// report library's.
+#include "CommandLine.h"
+#include "ReaderReports.h"
+#include "ReportBuild.h"
+#include "StatsCommand.h"
+#include "ToolCommands.h"
+
+#include <memory>
+
+namespace kvt::profiling {
+
+namespace {
+
+struct ReportCommandOptions {
+  ReportOptions report;
+  std::string outputPath;
+  bool dataOnly = false;
+};
+
+int runReport(const ReportCommandOptions& options, ToolConsole& console) {
+  Report report;
+  std::string unreadablePath;
+  {
+    const ReaderReports reports;
+    if (!readReport(options.report, report, unreadablePath)) {
+      console.err << "kvt-profile-log report: cannot read the log " << unreadablePath << '\n';
+      return exitBadInput;
+    }
+  }
+  if (options.dataOnly) {
+    writeReportData(console.out, report.input);
+    return exitSuccess;
+  }
+  if (!writeReportFile(options.outputPath, report)) {
+    console.err << "kvt-profile-log report: cannot write " << options.outputPath << '\n';
+    return exitBadInput;
+  }
+  return exitSuccess;
+}
+
+} // namespace
+
+void addReportCommand(CLI::App& tool, CommandRun& run) {
+  CLI::App* command = tool.add_subcommand(
+      "report", "writes one offline HTML page with each step's distribution and the comparison");
+  command->footer(
+      "The page needs nothing but a browser: its script, style and data are inside it, and it\n"
+      "loads nothing from anywhere. Per graph: the executions, the duration's percentiles and\n"
+      "how much of it the steps explain; a table of the steps, each with a box plot of its\n"
+      "spans (box p25 to p75, whiskers p1 to p99, a dot at the max) on one logarithmic axis;\n"
+      "per step its histogram and its values in execution order (at most 2000 points, the\n"
+      "extremes of equal runs kept). The page is written beside OUT and renamed into place.\n" +
+      std::string(statisticsMemoryNote) +
+      "\nExit status: 0 done, 1 unreadable log or unwritable output, 2 wrong command line.");
+  const auto options = std::make_shared<ReportCommandOptions>();
+  command->add_option("LOG", options->report.logPath, "the log to report")
+      ->required()
+      ->check(nonEmpty());
+  command->add_option("--base", options->report.basePath, "the log of a base run to compare with")
+      ->option_text("BASE")
+      ->check(nonEmpty());
+  CLI::Option* output =
+      command->add_option("-o", options->outputPath, "the page to write")->option_text("OUT");
+  output->check(nonEmpty());
+  command
+      ->add_flag("--data", options->dataOnly,
+                 "print the page's data, JSON, instead of writing a page")
+      ->excludes(output);
+  command
+      ->add_option("--skip-first", options->report.statistics.skipFirst,
+                   "leave each graph's first N executions out of every figure\n"
+                   "but first and the execution plot")
+      ->option_text("N")
+      ->check(wholeNumber<uint64_t>(0, UINT64_MAX));
+  command->add_option("--title", options->report.title, "the page's title (default: LOG's name)")
+      ->option_text("TEXT");
+  command->callback([options, &run] {
+    if (!options->dataOnly && options->outputPath.empty())
+      throw CLI::RequiredError("-o");
+    run.exitCode = runReport(*options, run.console);
+  });
+}
+
+} // namespace kvt::profiling

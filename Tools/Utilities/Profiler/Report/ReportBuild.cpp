@@ -1,0 +1,63 @@
+// The log's modification time stands in for its date: a log records only relative stamps.
+#include "ReportBuild.h"
+
+#include "ReportFile.h"
+
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+#include <sstream>
+
+namespace kvt::profiling {
+
+namespace {
+
+std::string findModifiedTime(const std::string& path) {
+  std::error_code error;
+  const auto written = std::filesystem::last_write_time(path, error);
+  if (error)
+    return {};
+  const std::time_t time =
+      std::chrono::system_clock::to_time_t(std::chrono::file_clock::to_sys(written));
+  std::tm utc{};
+  if (!gmtime_r(&time, &utc))
+    return {};
+  char text[32];
+  return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M UTC", &utc));
+}
+
+} // namespace
+
+bool readReport(const ReportOptions& options, Report& report, std::string& unreadablePath) {
+  std::vector<std::string> paths;
+  if (options.basePath)
+    paths.push_back(*options.basePath);
+  paths.push_back(options.logPath);
+  Report read;
+  read.input.title = options.title.empty()
+                         ? std::filesystem::path(options.logPath).filename().string()
+                         : options.title;
+  read.input.skipFirst = options.statistics.skipFirst;
+  for (const std::string& path : paths) {
+    RunStatistics run;
+    RunFigures figures;
+    if (!readRunFigures(path, options.statistics, run, figures)) {
+      unreadablePath = path;
+      return false;
+    }
+    read.input.runs.push_back(std::move(figures));
+    read.logs.push_back({path, findModifiedTime(path)});
+  }
+  report = std::move(read);
+  return true;
+}
+
+bool writeReportFile(const std::string& path, const Report& report) {
+  std::ostringstream data;
+  writeReportData(data, report.input);
+  return writeWholeFile(path, [&](std::ostream& out) {
+    writeReportPage(out, report.input.title, report.logs, data.str());
+  });
+}
+
+} // namespace kvt::profiling

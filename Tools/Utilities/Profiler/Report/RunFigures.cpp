@@ -1,0 +1,85 @@
+// The execution points are thinned while the pass hands each series out in execution order,
+// so the page never holds more than a bounded number of them, whatever the log's size.
+#include "RunFigures.h"
+
+#include "statistics/StepShares.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+namespace kvt::profiling {
+
+namespace {
+
+// What identifies a series of a run.
+using SeriesKey = std::tuple<std::string, SeriesKind, std::string, std::string, uint64_t>;
+
+SeriesKey keyOf(std::string_view graph, const SeriesRef& ref) {
+  return {std::string(graph), ref.kind, std::string(ref.name), std::string(ref.parent.value_or("")),
+          ref.occurrence.value_or(0)};
+}
+
+struct OrderedPoints {
+  ExecutionPoints points;
+  uint64_t values = 0;
+  uint64_t skippedValues = 0;
+};
+
+GraphFigures figureGraph(const GraphStatistics& graph, std::map<SeriesKey, OrderedPoints>& order) {
+  GraphFigures figures{graph.name, graph.executions, graph.skipped, 0, {}};
+  const std::vector<std::optional<double>> shares = computeStepShares(graph);
+  size_t step = 0;
+  for (const SeriesRef& ref : listSeries(graph)) {
+    SeriesFigures series = figureSeries(ref);
+    if (ref.kind == SeriesKind::span) {
+      series.share = shares[step++];
+      figures.stepMeanSum += series.summary.mean;
+    }
+    if (const auto found = order.find(keyOf(graph.name, ref)); found != order.end()) {
+      series.points = std::move(found->second.points);
+      series.values = found->second.values;
+      series.skippedValues = found->second.skippedValues;
+    }
+    figures.series.push_back(std::move(series));
+  }
+  return figures;
+}
+
+// Thins every series further when the run as a whole has too many points.
+void boundPoints(RunFigures& figures) {
+  size_t seriesCount = 0;
+  size_t pointCount = 0;
+  for (const GraphFigures& graph : figures.graphs)
+    for (const SeriesFigures& series : graph.series) {
+      ++seriesCount;
+      pointCount += series.points.index.size();
+    }
+  if (pointCount <= maxPointsPerRun)
+    return;
+  const size_t perSeries = std::max(minPointsPerSeries, maxPointsPerRun / seriesCount / 2 * 2);
+  for (GraphFigures& graph : figures.graphs)
+    for (SeriesFigures& series : graph.series)
+      series.points = thinExecutionPoints(series.points, perSeries);
+}
+
+} // namespace
+
+bool readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,
+                    RunFigures& figures) {
+  std::map<SeriesKey, OrderedPoints> order;
+  options.orderedSeries = [&order](const GraphStatistics& graph, const SeriesRef& ref,
+                                   std::span<const uint64_t> ordered, uint64_t skippedValues) {
+    order[keyOf(graph.name, ref)] = {thinExecutionPoints(ordered, maxPointsPerSeries),
+                                     ordered.size(), skippedValues};
+  };
+  if (!readRunStatistics(path, options, run))
+    return false;
+  figures = RunFigures{path, {}};
+  for (const GraphStatistics& graph : run.graphs)
+    figures.graphs.push_back(figureGraph(graph, order));
+  boundPoints(figures);
+  return true;
+}
+
+} // namespace kvt::profiling

@@ -1,0 +1,36 @@
+// One log's statistics pass with the figures of the page: each series' summary, box, histogram
+// and thinned execution points.
+#pragma once
+
+#include "SeriesFigures.h"
+#include "statistics/RunStatistics.h"
+#include "statistics/StatisticsPass.h"
+
+#include <string>
+#include <vector>
+
+namespace kvt::profiling {
+
+inline constexpr size_t maxPointsPerSeries = 2000; // execution-plot points of one series
+inline constexpr size_t maxPointsPerRun = 200000;  // of all series of a run: bounds the page
+inline constexpr size_t minPointsPerSeries = 100;  // kept even when a run has very many series
+
+struct GraphFigures {
+  std::string name;
+  uint64_t executions = 0; // counted and skipped
+  uint64_t skipped = 0;
+  double stepMeanSum = 0;            // the sum of the steps' mean spans
+  std::vector<SeriesFigures> series; // in the order of listSeries
+};
+
+struct RunFigures {
+  std::string log; // the path as given
+  std::vector<GraphFigures> graphs;
+};
+
+// Reads the log at path in one statistics pass (options' sink is replaced) into run, and its
+// figures into figures. False, with the reader's report, when the log cannot be read.
+bool readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,
+                    RunFigures& figures);
+
+} // namespace kvt::profiling

@@ -1,0 +1,44 @@
+// Bins on a logarithmic axis, so that one shared axis serves steps of microseconds and of
+// seconds, and a long tail does not squeeze the body of a distribution into one bar.
+#include "SeriesFigures.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kvt::profiling {
+
+LogHistogram binLogarithmically(std::span<const uint64_t> sorted, uint64_t low, uint64_t high) {
+  LogHistogram histogram{low, high, {}};
+  if (std::max<uint64_t>(low, 1) >= high) {
+    histogram.counts.push_back(sorted.size());
+    return histogram;
+  }
+  histogram.counts.assign(histogramBins, 0);
+  const double logLow = std::log(double(std::max<uint64_t>(low, 1)));
+  const double width = std::log(double(high)) - logLow;
+  for (const uint64_t value : sorted) {
+    const double position = (std::log(double(std::max<uint64_t>(value, 1))) - logLow) / width;
+    const double bin = std::floor(position * double(histogramBins));
+    ++histogram.counts[size_t(std::clamp(bin, 0.0, double(histogramBins - 1)))];
+  }
+  return histogram;
+}
+
+SeriesFigures figureSeries(const SeriesRef& ref) {
+  const std::vector<uint64_t>& sorted = ref.series->values;
+  SeriesFigures figures;
+  figures.kind = ref.kind;
+  figures.name = std::string(ref.name);
+  if (ref.parent)
+    figures.parent = std::string(*ref.parent);
+  figures.occurrence = ref.occurrence;
+  figures.summary = summarizeSeries(sorted, ref.series->first);
+  if (sorted.empty())
+    return figures;
+  figures.box = BoxFigures{nearestRank(sorted, 1), nearestRank(sorted, 25), nearestRank(sorted, 50),
+                           nearestRank(sorted, 75), nearestRank(sorted, 99)};
+  figures.histogram = binLogarithmically(sorted, sorted.front(), sorted.back());
+  return figures;
+}
+
+} // namespace kvt::profiling

@@ -1,0 +1,60 @@
+# Writes a C++ header that holds text files as string constants, so that a tool carries them and
+# needs no source tree once installed. With -DDROP_INCLUDES=ON, schema include statements are
+# dropped (the tool parses the schemas in the order given, so an included schema is already
+# known). With -DWITH_SHA256=ON, each NAME also gets NAMESha256, the base64 SHA-256 of its text
+# as a Content-Security-Policy names an inline script or style.
+#
+# cmake -DOUTPUT=<header> -DNAMES=<name;...> -DFILES=<file;...> [-DDROP_INCLUDES=ON]
+#       [-DWITH_SHA256=ON] -P EmbedText.cmake
+set(delimiter "kvt_embedded")
+
+# The base64 text of the bytes that hex spells.
+function(hex_to_base64 hex result)
+  set(alphabet "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/")
+  string(LENGTH "${hex}" length)
+  set(text "")
+  set(position 0)
+  while(position LESS length)
+    string(SUBSTRING "${hex}" ${position} 6 group)
+    string(LENGTH "${group}" digits)
+    math(EXPR padding "(6 - ${digits}) / 2")
+    string(REPEAT "0" ${padding} zeros)
+    string(REPEAT "00" ${padding} zero_bytes)
+    math(EXPR value "0x${group}${zero_bytes}")
+    math(EXPR characters "4 - ${padding}")
+    foreach(shift 18 12 6 0)
+      if(characters GREATER 0)
+        math(EXPR index "(${value} >> ${shift}) & 63")
+        string(SUBSTRING "${alphabet}" ${index} 1 character)
+        string(APPEND text "${character}")
+        math(EXPR characters "${characters} - 1")
+      endif()
+    endforeach()
+    string(REPEAT "=" ${padding} pad)
+    string(APPEND text "${pad}")
+    math(EXPR position "${position} + 6")
+  endwhile()
+  set(${result} "${text}" PARENT_SCOPE)
+endfunction()
+
+set(content "// Generated at build time from ${FILES}; do not edit.\n#pragma once\n\nnamespace kvt::profiling {\n")
+foreach(name file IN ZIP_LISTS NAMES FILES)
+  file(READ ${file} text)
+  string(FIND "${text}" ")${delimiter}\"" clash)
+  if(NOT clash EQUAL -1)
+    message(FATAL_ERROR "${file} holds the raw-string delimiter ${delimiter}")
+  endif()
+  if(DROP_INCLUDES)
+    string(REGEX REPLACE "(^|\n)include \"[^\"]*\";" "\\1" text "${text}")
+  endif()
+  string(APPEND content "\ninline constexpr const char* ${name} = R\"${delimiter}(${text})${delimiter}\";\n")
+  if(WITH_SHA256)
+    string(SHA256 digest "${text}")
+    hex_to_base64(${digest} digest_base64)
+    string(APPEND content "inline constexpr const char* ${name}Sha256 = \"${digest_base64}\";\n")
+  endif()
+endforeach()
+string(APPEND content "\n} // namespace kvt::profiling\n")
+file(WRITE ${OUTPUT}.tmp "${content}")
+file(COPY_FILE ${OUTPUT}.tmp ${OUTPUT} ONLY_IF_DIFFERENT)
+file(REMOVE ${OUTPUT}.tmp)
