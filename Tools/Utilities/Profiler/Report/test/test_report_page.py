@@ -30,6 +30,8 @@ def reports():
     for case, name in [("compare-200", "base"), ("compare-200", "new"), ("report", "input"),
                        ("percentiles", "input"), ("step-keys", "input")]:
         tool("build", "--chunks", GOLDEN / case / f"{name}.json", "-o", folder / f"{case}-{name}.log")
+    tool("synth", "-o", folder / "synth.log", "--graphs", 2, "--executions", 600, "--steps", 12)
+    tool("report", folder / "synth.log", "-o", folder / "synth.html", "--skip-first", 3)
     tool("report", folder / "compare-200-new.log", "--base", folder / "compare-200-base.log",
          "-o", folder / "compare.html", "--title", "compare-200")
     tool("report", folder / "report-input.log", "-o", folder / "hostile.html")
@@ -111,16 +113,22 @@ def test_the_filter_hides_rows(browser, reports):
 
 
 def test_a_step_opens_its_detail_with_both_pictures(browser, reports):
-    page = reports / "steps.html"
+    page = reports / "synth.html"
     open_page(browser, page)
     rows(browser)[0].click()
     detail = browser.find_element(By.ID, "detail")
     assert detail.is_displayed()
     assert detail.find_elements(By.CSS_SELECTOR, "#histogram svg rect.bar")
     assert detail.find_elements(By.CSS_SELECTOR, "#executions svg circle.point")
-    assert detail.find_elements(By.CSS_SELECTOR, "#executions svg line.cut")  # --skip-first 1
+    assert detail.find_elements(By.CSS_SELECTOR, "#executions svg circle.first")
+    assert detail.find_elements(By.CSS_SELECTOR, "#executions svg line.cut")  # --skip-first 3
+    browser.set_window_size(1280, 1180)
+    browser.execute_script("window.scrollTo(0, 0)")
+    shoot(browser, "steps-and-detail")
+    browser.set_window_size(1280, 960)
     browser.find_element(By.TAG_NAME, "body").send_keys(Keys.ESCAPE)
     assert not browser.find_element(By.ID, "detail").is_displayed()
+    expect_quiet(browser, page)
 
 
 def test_the_planted_regression_shows_as_slower(browser, reports):

@@ -98,7 +98,8 @@
         const tick = power * factor;
         if (tick >= low && tick <= high) ticks.push(tick);
       }
-    if (ticks.length <= count) return ticks.length ? ticks : [low, high];
+    if (ticks.length < 3) return linearTicks(low, high, count - 2); // a narrow range: plain steps
+    if (ticks.length <= count) return ticks;
     const powers = ticks.filter((tick) => Math.log10(tick) % 1 === 0);
     return powers.length >= 2 ? powers : [ticks[0], ticks[ticks.length - 1]];
   }
@@ -378,7 +379,7 @@
   function verticalMark(picture, x, label) {
     picture.append(
       svg('line', { class: 'mark', x1: x, x2: x, y1: plot.top, y2: plot.height - plot.bottom }),
-      svg('text', { x: x + 3, y: plot.top + 8, text: label }));
+      svg('text', { class: 'label', x: x + 3, y: plot.top + 8, text: label }));
   }
 
   // Bars of counts on the histogram's logarithmic bins; overlays add a second outlined series.
@@ -430,13 +431,13 @@
     if (points.skipped) {
       const cut = x(points.skipped - 0.5);
       picture.append(svg('line', { class: 'cut', x1: cut, x2: cut, y1: plot.top, y2: plot.height - plot.bottom }),
-        svg('text', { x: cut + 4, y: plot.height - plot.bottom - 6, text: `--skip-first ${data.skipFirst}` }));
+        svg('text', { class: 'label', x: cut + 4, y: plot.height - plot.bottom - 6, text: `--skip-first ${data.skipFirst}` }));
     }
     if (series.summary.first !== null && (!points.index || points.index[0] === 0)) {
       const cx = x(0);
       const cy = y(series.summary.first);
       picture.append(svg('circle', { class: 'first', cx: cx, cy: cy, r: 5 }, tooltip(`first execution: ${formatValue(series.summary.first)}`)),
-        svg('text', { x: cx + 8, y: Math.max(cy - 6, plot.top + 8), text: 'first (cold)' }));
+        svg('text', { class: 'label', x: cx + 8, y: Math.max(cy - 6, plot.top + 8), text: 'first (cold)' }));
     }
     return picture;
   }
