@@ -21,9 +21,13 @@ std::string formatSignificant(std::optional<double> value) {
   return std::string(text, result.ptr);
 }
 
-// A finite figure with three decimals, else null: JSON has no NaN.
+// A finite figure with three decimals, else null: JSON has no NaN. A figure that rounds to zero
+// is "0.000", never "-0.000".
 std::string formatFinite(std::optional<double> value, int decimals = 3) {
-  return formatFixed(value && std::isfinite(*value) ? value : std::nullopt, decimals);
+  std::string text = formatFixed(value && std::isfinite(*value) ? value : std::nullopt, decimals);
+  if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos)
+    text.erase(0, 1);
+  return text;
 }
 
 // The table's grouping: slower, faster, unsure, then the others.
