@@ -38,15 +38,20 @@ bool readReport(const ReportOptions& options, Report& report, std::string& unrea
                          ? std::filesystem::path(options.logPath).filename().string()
                          : options.title;
   read.input.skipFirst = options.statistics.skipFirst;
+  std::vector<RunStatistics> runs;
   for (const std::string& path : paths) {
-    RunStatistics run;
     RunFigures figures;
-    if (!readRunFigures(path, options.statistics, run, figures)) {
+    if (!readRunFigures(path, options.statistics, runs.emplace_back(), figures)) {
       unreadablePath = path;
       return false;
     }
     read.input.runs.push_back(std::move(figures));
     read.logs.push_back({path, findModifiedTime(path)});
+  }
+  if (options.basePath) {
+    read.input.comparison = figureComparison(runs[0], runs[1], options.comparison);
+    read.input.comparison->basePath = *options.basePath;
+    read.input.comparison->newPath = options.logPath;
   }
   report = std::move(read);
   return true;

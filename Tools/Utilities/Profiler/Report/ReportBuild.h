@@ -15,6 +15,7 @@ struct ReportOptions {
   std::optional<std::string> basePath; // the run the log is compared with
   std::string title;                   // empty: the log's file name
   StatisticsOptions statistics;
+  ComparisonOptions comparison; // with a base
 };
 
 struct Report {
@@ -22,8 +23,8 @@ struct Report {
   std::vector<PageLog> logs; // as input.runs
 };
 
-// Reads the base log, when there is one, then the log into report. False when one cannot be
-// read, with the reader's report to the log facility and its path in unreadablePath.
+// Reads the base log, when there is one, then the log into report, and compares them. False when
+// one cannot be read, with the reader's report to the log facility and its path in unreadablePath.
 bool readReport(const ReportOptions& options, Report& report, std::string& unreadablePath);
 
 // Writes the page of report to path, whole or not at all; false when it cannot be written.

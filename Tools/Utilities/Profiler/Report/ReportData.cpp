@@ -2,6 +2,7 @@
 // golden file of it reads one series a line.
 #include "ReportData.h"
 
+#include "reports/CompareReport.h"
 #include "reports/ReportText.h"
 
 #include <sstream>
@@ -25,6 +26,20 @@ void writeOptionalString(std::ostream& out, const std::optional<std::string>& te
     out << "null";
 }
 
+// {"scale": "log", "low": L, "high": H, "counts": [...]} or {"scale": "linear", "low": L,
+// "width": W, "counts": [...]}.
+void writeHistogram(std::ostream& out, const Histogram& histogram) {
+  out << "{\"scale\": " << (histogram.logarithmic ? "\"log\"" : "\"linear\"")
+      << ", \"low\": " << histogram.low;
+  if (histogram.logarithmic)
+    out << ", \"high\": " << histogram.high;
+  else
+    out << ", \"width\": " << histogram.width;
+  out << ", \"counts\": ";
+  writeNumbers(out, histogram.counts);
+  out << '}';
+}
+
 void writeSeries(std::ostream& out, const SeriesFigures& series) {
   out << "{\"kind\": ";
   writeJsonString(out, seriesKindName(series.kind));
@@ -41,14 +56,10 @@ void writeSeries(std::ostream& out, const SeriesFigures& series) {
   else
     out << "null";
   out << ", \"histogram\": ";
-  if (series.histogram) {
-    out << "{\"low\": " << series.histogram->low << ", \"high\": " << series.histogram->high
-        << ", \"counts\": ";
-    writeNumbers(out, series.histogram->counts);
-    out << '}';
-  } else {
+  if (series.histogram)
+    writeHistogram(out, *series.histogram);
+  else
     out << "null";
-  }
   out << ", \"points\": {\"values\": " << series.values << ", \"skipped\": " << series.skippedValues
       << ", \"index\": ";
   if (series.points.index.size() == series.values)
@@ -85,6 +96,34 @@ void writeRun(std::ostream& out, const RunFigures& run) {
   out << (run.graphs.empty() ? "]" : "\n      ]") << "\n    }";
 }
 
+void writeComparison(std::ostream& out, const std::optional<ComparisonFigures>& figures) {
+  out << ",\n  \"comparison\": ";
+  if (!figures) {
+    out << "null,\n  \"overlays\": null";
+    return;
+  }
+  std::ostringstream comparison;
+  writeComparisonJson(comparison, figures->comparison, figures->basePath, figures->newPath);
+  std::string text = comparison.str();
+  while (!text.empty() && text.back() == '\n')
+    text.pop_back();
+  out << text << ",\n  \"overlays\": [";
+  for (size_t i = 0; i < figures->overlays.size(); ++i) {
+    const std::optional<OverlaidHistograms>& overlay = figures->overlays[i];
+    out << (i ? ",\n" : "\n") << "    ";
+    if (!overlay) {
+      out << "null";
+      continue;
+    }
+    out << "{\"base\": ";
+    writeHistogram(out, overlay->base);
+    out << ", \"new\": ";
+    writeHistogram(out, overlay->next);
+    out << '}';
+  }
+  out << (figures->overlays.empty() ? "]" : "\n  ]");
+}
+
 } // namespace
 
 void writeReportData(std::ostream& out, const ReportInput& input) {
@@ -96,7 +135,9 @@ void writeReportData(std::ostream& out, const ReportInput& input) {
     data << (i ? ",\n" : "\n");
     writeRun(data, input.runs[i]);
   }
-  data << "\n  ]\n}\n";
+  data << "\n  ]";
+  writeComparison(data, input.comparison);
+  data << "\n}\n";
   for (const char c : data.str()) {
     if (c == '<')
       out << "\\u003c";

@@ -6,19 +6,10 @@
 
 #include <algorithm>
 #include <map>
-#include <tuple>
 
 namespace kvt::profiling {
 
 namespace {
-
-// What identifies a series of a run.
-using SeriesKey = std::tuple<std::string, SeriesKind, std::string, std::string, uint64_t>;
-
-SeriesKey keyOf(std::string_view graph, const SeriesRef& ref) {
-  return {std::string(graph), ref.kind, std::string(ref.name), std::string(ref.parent.value_or("")),
-          ref.occurrence.value_or(0)};
-}
 
 struct OrderedPoints {
   ExecutionPoints points;
@@ -36,7 +27,7 @@ GraphFigures figureGraph(const GraphStatistics& graph, std::map<SeriesKey, Order
       series.share = shares[step++];
       figures.stepMeanSum += series.summary.mean;
     }
-    if (const auto found = order.find(keyOf(graph.name, ref)); found != order.end()) {
+    if (const auto found = order.find(makeSeriesKey(graph.name, ref)); found != order.end()) {
       series.points = std::move(found->second.points);
       series.values = found->second.values;
       series.skippedValues = found->second.skippedValues;
@@ -65,13 +56,18 @@ void boundPoints(RunFigures& figures) {
 
 } // namespace
 
+SeriesKey makeSeriesKey(std::string_view graph, const SeriesRef& ref) {
+  return {std::string(graph), ref.kind, std::string(ref.name), std::string(ref.parent.value_or("")),
+          ref.occurrence.value_or(0)};
+}
+
 bool readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,
                     RunFigures& figures) {
   std::map<SeriesKey, OrderedPoints> order;
   options.orderedSeries = [&order](const GraphStatistics& graph, const SeriesRef& ref,
                                    std::span<const uint64_t> ordered, uint64_t skippedValues) {
-    order[keyOf(graph.name, ref)] = {thinExecutionPoints(ordered, maxPointsPerSeries),
-                                     ordered.size(), skippedValues};
+    order[makeSeriesKey(graph.name, ref)] = {thinExecutionPoints(ordered, maxPointsPerSeries),
+                                             ordered.size(), skippedValues};
   };
   if (!readRunStatistics(path, options, run))
     return false;

@@ -1,5 +1,5 @@
-// Bins on a logarithmic axis, so that one shared axis serves steps of microseconds and of
-// seconds, and a long tail does not squeeze the body of a distribution into one bar.
+// Bins on a logarithmic axis, so that a long tail does not squeeze the body of a distribution into
+// one bar; a narrow range of whole numbers gets whole-number bins instead.
 #include "SeriesFigures.h"
 
 #include <algorithm>
@@ -7,17 +7,20 @@
 
 namespace kvt::profiling {
 
-LogHistogram binLogarithmically(std::span<const uint64_t> sorted, uint64_t low, uint64_t high) {
-  LogHistogram histogram{low, high, {}};
-  if (std::max<uint64_t>(low, 1) >= high) {
-    histogram.counts.push_back(sorted.size());
+Histogram binValues(std::span<const uint64_t> sorted, uint64_t low, uint64_t high) {
+  const uint64_t range = high - low;
+  if (range < low || range < 2 * histogramBins) {
+    const uint64_t width = range / histogramBins + 1;
+    Histogram histogram{false, low, 0, width, std::vector<uint64_t>(range / width + 1, 0)};
+    for (const uint64_t value : sorted)
+      ++histogram.counts[(value - low) / width];
     return histogram;
   }
-  histogram.counts.assign(histogramBins, 0);
+  Histogram histogram{true, low, high, 0, std::vector<uint64_t>(histogramBins, 0)};
   const double logLow = std::log(double(std::max<uint64_t>(low, 1)));
-  const double width = std::log(double(high)) - logLow;
+  const double logWidth = std::log(double(high)) - logLow;
   for (const uint64_t value : sorted) {
-    const double position = (std::log(double(std::max<uint64_t>(value, 1))) - logLow) / width;
+    const double position = (std::log(double(std::max<uint64_t>(value, 1))) - logLow) / logWidth;
     const double bin = std::floor(position * double(histogramBins));
     ++histogram.counts[size_t(std::clamp(bin, 0.0, double(histogramBins - 1)))];
   }
@@ -37,7 +40,7 @@ SeriesFigures figureSeries(const SeriesRef& ref) {
     return figures;
   figures.box = BoxFigures{nearestRank(sorted, 1), nearestRank(sorted, 25), nearestRank(sorted, 50),
                            nearestRank(sorted, 75), nearestRank(sorted, 99)};
-  figures.histogram = binLogarithmically(sorted, sorted.front(), sorted.back());
+  figures.histogram = binValues(sorted, sorted.front(), sorted.back());
   return figures;
 }
 

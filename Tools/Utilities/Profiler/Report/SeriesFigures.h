@@ -15,13 +15,17 @@
 
 namespace kvt::profiling {
 
-inline constexpr size_t histogramBins = 32; // bars of a series' histogram
+inline constexpr size_t histogramBins = 32; // bars of a series' histogram, at most
 
-// Counts of values in bins of equal width on a logarithmic axis from low to high (values below 1
-// count as 1); one bin when high is not above both low and 1.
-struct LogHistogram {
+// Counts of values in bins of equal width: on a logarithmic axis from low to high (values below 1
+// count as 1), or, when the values span less than their smallest (or than 2 x histogramBins), in
+// whole-number bins of width units from low, so that no bin of integer values comes out empty by
+// its rounding alone.
+struct Histogram {
+  bool logarithmic = false;
   uint64_t low = 0;
-  uint64_t high = 0;
+  uint64_t high = 0;  // logarithmic bins only
+  uint64_t width = 0; // whole-number bins only
   std::vector<uint64_t> counts;
 };
 
@@ -36,16 +40,17 @@ struct SeriesFigures {
   std::optional<std::string> parent;
   std::optional<uint64_t> occurrence;
   SeriesSummary summary;
-  std::optional<BoxFigures> box;         // none without counted values
-  std::optional<LogHistogram> histogram; // none without counted values
-  std::optional<double> share;           // spans of steps only: percent of the steps' mean sum
-  ExecutionPoints points;                // every value of the series in execution order, thinned
-  uint64_t values = 0;                   // how many the points were thinned from
-  uint64_t skippedValues = 0;            // the first of those, from skipped executions
+  std::optional<BoxFigures> box;      // none without counted values
+  std::optional<Histogram> histogram; // none without counted values
+  std::optional<double> share;        // spans of steps only: percent of the steps' mean sum
+  ExecutionPoints points;             // every value of the series in execution order, thinned
+  uint64_t values = 0;                // how many the points were thinned from
+  uint64_t skippedValues = 0;         // the first of those, from skipped executions
 };
 
-// The histogram of sorted, non-empty values over [low, high], which must hold them all.
-LogHistogram binLogarithmically(std::span<const uint64_t> sorted, uint64_t low, uint64_t high);
+// The histogram of sorted values over [low, high], which must hold them all. Example: {40, 41, 60}
+// over [40, 60] is 21 bins of width 1 from 40, counting 1, 1, 0, ..., 0, 1.
+Histogram binValues(std::span<const uint64_t> sorted, uint64_t low, uint64_t high);
 
 // The summary, box and histogram of a series whose values are sorted; its key from ref.
 SeriesFigures figureSeries(const SeriesRef& ref);

@@ -1,6 +1,7 @@
 // `kvt-profile-log report LOG -o report.html` on the command line; the report itself is the
 // report library's.
 #include "CommandLine.h"
+#include "ComparisonOptions.h"
 #include "ReaderReports.h"
 #include "ReportBuild.h"
 #include "StatsCommand.h"
@@ -50,7 +51,10 @@ void addReportCommand(CLI::App& tool, CommandRun& run) {
       "how much of it the steps explain; a table of the steps, each with a box plot of its\n"
       "spans (box p25 to p75, whiskers p1 to p99, a dot at the max) on one logarithmic axis;\n"
       "per step its histogram and its values in execution order (at most 2000 points, the\n"
-      "extremes of equal runs kept). The page is written beside OUT and renamed into place.\n" +
+      "extremes of equal runs kept). With --base, the comparison of kvt-profile-log compare\n"
+      "(its verdicts, each series' change with its interval against the threshold's band,\n"
+      "each graph's run-wide shift) and, per series, both runs' histograms overlaid.\n"
+      "The page is written beside OUT and renamed into place.\n" +
       std::string(statisticsMemoryNote) +
       "\nExit status: 0 done, 1 unreadable log or unwritable output, 2 wrong command line.");
   const auto options = std::make_shared<ReportCommandOptions>();
@@ -73,6 +77,7 @@ void addReportCommand(CLI::App& tool, CommandRun& run) {
                    "but first and the execution plot")
       ->option_text("N")
       ->check(wholeNumber<uint64_t>(0, UINT64_MAX));
+  addComparisonOptions(*command, options->report.comparison);
   command->add_option("--title", options->report.title, "the page's title (default: LOG's name)")
       ->option_text("TEXT");
   command->callback([options, &run] {

@@ -21,7 +21,7 @@
       if (name === 'text') node.textContent = value;
       else node.setAttribute(name, value === true ? '' : value);
     }
-    for (const child of children.flat()) {
+    for (const child of children.flat(Infinity)) {
       if (child !== null && child !== undefined)
         node.append(typeof child === 'string' ? document.createTextNode(child) : child);
     }
@@ -34,7 +34,7 @@
       if (name === 'text') node.textContent = value;
       else if (value !== null && value !== undefined) node.setAttribute(name, value);
     }
-    for (const child of children.flat()) if (child) node.append(child);
+    for (const child of children.flat(Infinity)) if (child) node.append(child);
     return node;
   }
 
@@ -382,18 +382,22 @@
       svg('text', { class: 'label', x: x + 3, y: plot.top + 8, text: label }));
   }
 
-  // Bars of counts on the histogram's logarithmic bins; overlays add a second outlined series.
+  // Bars of counts on the histogram's bins, equal on a log axis or whole-number bins on a linear
+  // one; an overlay adds a second series as an outline on the same bins.
   function drawHistogram(histogram, label, marks, overlay) {
-    const picture = frame(label, 'value (log axis)', 'executions');
+    const log = histogram.scale === 'log';
+    const picture = frame(label, log ? 'value (log axis)' : 'value', 'executions');
     const bins = histogram.counts.length;
-    const single = bins === 1;
-    const low = single ? Math.max(histogram.low * 0.9, 1) : Math.max(histogram.low, 1);
-    const high = single ? Math.max(histogram.high * 1.1, low + 1) : histogram.high;
-    const x = logScale(low, high, plot.left + 4, plot.width - plot.right - 4);
+    const low = log ? Math.max(histogram.low, 1) : histogram.low;
+    const high = log ? histogram.high : histogram.low + bins * histogram.width;
+    const from = plot.left + 4;
+    const to = plot.width - plot.right - 4;
+    const x = log ? logScale(low, high, from, to) : linearScale(low, high, from, to);
+    const at = log ? x : (value) => x(value + 0.5); // a whole number's cell has its middle at +0.5
     const most = Math.max(...histogram.counts, ...(overlay ? overlay.counts : []), 1);
     const y = linearScale(0, most, plot.height - plot.bottom, plot.top + 10);
-    yTicks(picture, linearTicks(0, most, 4), y, formatShort);
-    const edge = (i) => (single ? (i ? plot.width - plot.right - 40 : plot.left + 40) : plot.left + 4 + ((plot.width - plot.right - plot.left - 8) * i) / bins);
+    yTicks(picture, linearTicks(0, most, 4).filter(Number.isInteger), y, formatShort);
+    const edge = (i) => from + ((to - from) * i) / bins;
     histogram.counts.forEach((count, i) => {
       if (count)
         picture.append(svg('rect', { class: overlay ? 'new' : 'bar', x: edge(i), width: Math.max(edge(i + 1) - edge(i) - 1, 1), y: y(count), height: y(0) - y(count) },
@@ -404,8 +408,9 @@
       overlay.counts.forEach((count, i) => (path += ` L ${edge(i)} ${y(count)} L ${edge(i + 1)} ${y(count)}`));
       picture.append(svg('path', { class: 'base', d: path + ` L ${edge(bins)} ${y(0)}` }));
     }
-    xTicks(picture, single ? [histogram.low] : logTicks(low, high, 6), single ? () => plot.width / 2 : x, formatShort);
-    for (const [value, name] of marks) if (value !== null && !single) verticalMark(picture, x(value), name);
+    const ticks = log ? logTicks(low, high, 6) : linearTicks(low, high - 1, 5).filter(Number.isInteger);
+    xTicks(picture, ticks, at, formatShort);
+    for (const [value, name] of marks) if (value !== null) verticalMark(picture, at(value), name);
     return picture;
   }
 
@@ -465,7 +470,8 @@
       s.count === 0 ? el('p', { class: 'note' }, 'No counted execution has this series.') :
         el('div', { class: 'pictures' },
           el('figure', { id: 'histogram' }, drawHistogram(series.histogram, 'histogram', [[s.p50, 'p50'], [s.p99, 'p99']]),
-            el('figcaption', {}, `Histogram of the ${formatValue(s.count)} counted values, ${series.histogram.counts.length} bins of equal width on a log axis.`)),
+            el('figcaption', {}, `Histogram of the ${formatValue(s.count)} counted values in ${series.histogram.counts.length} bins of equal width` +
+              (series.histogram.scale === 'log' ? ' on a log axis.' : ` (${formatValue(series.histogram.width)} each).`))),
           el('figure', { id: 'executions' }, drawExecutions(series),
             el('figcaption', {}, `All ${formatValue(series.points.values)} values in execution order${thinned}.` +
               (series.points.skipped ? ' Grey: skipped executions.' : '')))));
@@ -475,23 +481,27 @@
 
   const verdictSigns = { slower: '\u25b2 slower', faster: '\u25bc faster', same: '= same', unsure: '? unsure', added: '+ added', removed: '\u2212 removed' };
 
-  function verdictCell(verdict) {
-    return el('td', { class: 'text verdict ' + verdict }, verdictSigns[verdict] || verdict);
-  }
-
   // One row's change as a dot with its interval against the shaded threshold band.
   function drawForest(row, scale, width, threshold) {
     const picture = svg('svg', { width: width, height: 18, viewBox: `0 0 ${width} 18`, role: 'img', class: row.verdict });
     picture.append(svg('rect', { class: 'band', x: scale(-threshold), width: scale(threshold) - scale(-threshold), y: 0, height: 18 }),
       svg('line', { class: 'zero', x1: scale(0), x2: scale(0), y1: 0, y2: 18 }));
-    if (row.change === null) return picture;
+    if (row.changePercent === null) return picture;
     const clamp = (value) => Math.min(Math.max(scale(value), 1), width - 1);
-    const g = svg('g', { class: row.verdict }, tooltip(`${formatSigned(row.change)}` + (row.interval ? ` [${row.interval[0].toFixed(1)}, ${row.interval[1].toFixed(1)}]` : '')));
+    const g = svg('g', { class: row.verdict }, tooltip(formatChange(row.changePercent, row.interval)));
     if (row.interval) g.append(svg('line', { class: 'interval', x1: clamp(row.interval[0]), x2: clamp(row.interval[1]), y1: 9, y2: 9 }));
-    g.append(svg('circle', { class: 'estimate', cx: clamp(row.change), cy: 9, r: 3.5 }));
+    g.append(svg('circle', { class: 'estimate', cx: clamp(row.changePercent), cy: 9, r: 3.5 }));
     picture.append(g);
     return picture;
   }
+
+  function formatChange(percent, interval) {
+    if (percent === null || percent === undefined) return '-';
+    const range = interval ? ` [${formatSigned(interval[0]).replace(' %', '')} to ${formatSigned(interval[1])}]` : '';
+    return formatSigned(percent) + range;
+  }
+
+  const verdictOrder = { slower: 0, faster: 1, unsure: 2 };
 
   function renderComparison() {
     const section = document.getElementById('comparison');
@@ -499,30 +509,34 @@
     if (section.hidden) return;
     const totals = comparison.totals;
     const threshold = comparison.threshold;
-    const ends = comparison.rows.flatMap((r) => (r.interval ? r.interval : r.change !== null ? [r.change] : []));
-    const reach = Math.min(Math.max(threshold * 2, ...ends.map(Math.abs)) * 1.05, 400);
+    const ends = comparison.rows.flatMap((r) => (r.interval ? r.interval : r.changePercent !== null ? [r.changePercent] : []));
+    const reach = Math.min(Math.max(threshold * 2, ...ends.map(Math.abs)) * 1.1, 400);
     const width = 260;
     const scale = linearScale(-reach, reach, 4, width - 4);
     const ticks = linearTicks(-reach, reach, 4).map((t) => Math.round(t * 10) / 10);
     const axis = svg('svg', { width: width, height: 16, viewBox: `0 0 ${width} 16`, 'aria-hidden': 'true' },
       ticks.map((t) => [svg('line', { class: 'axis', x1: scale(t), x2: scale(t), y1: 12, y2: 16 }),
         svg('text', { x: scale(t), y: 10, 'text-anchor': 'middle', text: (t > 0 ? '+' : '') + t + '%' })]));
-    const shifts = comparison.graphs.map((g) => el('li', {}, el('span', { class: 'label' }, `run-wide shift of ${g.name}`),
-      el('span', { class: 'value' }, g.change === null ? '-' : formatSigned(g.change) + (g.interval ? ` [${g.interval[0].toFixed(1)}, ${g.interval[1].toFixed(1)}]` : ''))));
+    const shifts = comparison.graphs.map((g) => figure(`run-wide shift of ${g.name}`,
+      g.runShift ? formatChange(g.runShift.changePercent, g.runShift.interval) : '-'));
     const header = el('tr', {}, ['verdict', 'graph', 'series', 'name', 'parent'].map((h) => el('th', { class: 'text' }, h)),
       ['base p50', 'new p50', 'change', 'p adjusted'].map((h) => el('th', {}, h)),
-      el('th', { class: 'picture' }, el('span', {}, `change, band \u00b1${threshold}%`), axis));
-    const body = el('tbody', {}, comparison.rows.map((row, index) => {
+      el('th', { class: 'picture' }, el('span', {}, `change, band \u00b1${threshold} %`), axis));
+    const ordered = comparison.rows.map((row, index) => ({ row, index }))
+      .sort((a, b) => (verdictOrder[a.row.verdict] ?? 3) - (verdictOrder[b.row.verdict] ?? 3) || a.index - b.index);
+    const body = el('tbody', {}, ordered.map(({ row, index }) => {
+      const verdict = el('td', { class: 'text verdict ' + row.verdict,
+        title: row.needed !== null ? `about ${formatValue(row.needed)} executions per run would tell` : null }, verdictSigns[row.verdict] || row.verdict);
       const tr = el('tr', { tabindex: '0', 'data-index': String(index), class: index === state.row ? 'selected' : null },
-        verdictCell(row.verdict), el('td', { class: 'text' }, row.graph), el('td', { class: 'text' }, row.kind),
+        verdict, el('td', { class: 'text' }, row.graph), el('td', { class: 'text' }, row.series),
         el('td', { class: 'text' }, row.name), el('td', { class: 'text' }, row.parent === null ? '-' : row.parent),
-        el('td', {}, formatValue(row.base.p50)), el('td', {}, formatValue(row.new.p50)), el('td', {}, formatSigned(row.change)),
+        el('td', {}, formatValue(row.base.p50)), el('td', {}, formatValue(row.new.p50)), el('td', {}, formatSigned(row.changePercent)),
         el('td', {}, formatP(row.pAdjusted)), el('td', { class: 'picture' }, drawForest(row, scale, width, threshold)));
-      tr.addEventListener('click', () => update({ row: index === state.row ? null : index }));
+      tr.addEventListener('click', () => openRow(index === state.row ? null : index));
       tr.addEventListener('keydown', (event) => {
         if (event.key === 'Enter' || event.key === ' ') {
           event.preventDefault();
-          update({ row: index });
+          openRow(index);
         }
       });
       return tr;
@@ -532,21 +546,31 @@
       el('ul', { class: 'figures' },
         ['slower', 'faster', 'same', 'unsure', 'added', 'removed'].map((v) => figure(verdictSigns[v], formatValue(totals[v]))),
         shifts),
-      el('p', { class: 'note' }, `A series is slower or faster when its Holm-adjusted p-value is below ${comparison.alpha} and its change leaves the \u00b1${threshold}% band` +
-        (comparison.relative ? ', net of its graph\u2019s run-wide shift' : '') + '; same when its interval lies within the band; unsure otherwise. Click a row to overlay its distributions.'),
+      el('p', { class: 'note' }, `Slower or faster: the Holm-adjusted p-value is below ${comparison.alpha} and the change leaves the \u00b1${threshold} % band` +
+        (comparison.relative ? ', net of its graph\u2019s run-wide shift' : '') +
+        `. Same: the whole ${Math.round((1 - 2 * comparison.alpha) * 100)} % interval lies within the band. Unsure: neither. ` +
+        'Each dot is the change of a series\u2019 values (the median of all differences, in percent of the base median), its line the interval. Click a row to overlay both runs\u2019 distributions.'),
       el('table', { id: 'comparison-table' }, el('thead', {}, header), body)];
     const row = state.row !== null ? comparison.rows[state.row] : null;
-    if (row && row.overlay) {
-      const legend = svg('g', {}, svg('rect', { class: 'legend-base', x: plot.width - 150, y: 4, width: 10, height: 10 }),
-        svg('text', { x: plot.width - 136, y: 13, text: 'base (outline)' }),
-        svg('rect', { class: 'legend-new', x: plot.width - 150, y: 18, width: 10, height: 10 }),
-        svg('text', { x: plot.width - 136, y: 27, text: 'new (filled)' }));
-      const picture = drawHistogram({ low: row.overlay.low, high: row.overlay.high, counts: row.overlay.new }, 'base and new distributions',
-        [[row.base.p50, 'base p50'], [row.new.p50, 'new p50']], { counts: row.overlay.base });
-      picture.append(legend);
-      children.push(el('div', { class: 'overlay', id: 'overlay' }, el('h3', {}, `${verdictSigns[row.verdict]}: ${row.name} (${row.kind} of ${row.graph})`), picture));
+    const overlay = row ? data.overlays[state.row] : null;
+    if (row) {
+      const parts = [el('h3', {}, `${verdictSigns[row.verdict]}: ${row.name} (${row.series} of ${row.graph}), ${formatChange(row.changePercent, row.interval)}`)];
+      if (overlay) {
+        const picture = drawHistogram(overlay.new, 'base and new distributions',
+          [[row.base.p50, 'base p50'], [row.new.p50, 'new p50']], overlay.base);
+        parts.push(el('figure', {}, picture, el('figcaption', {},
+          el('span', { class: 'swatch base' }), ' base run (outline)  ', el('span', { class: 'swatch new' }), ' new run (filled), on the same bins')));
+      } else {
+        parts.push(el('p', { class: 'note' }, 'Only one run has values of this series.'));
+      }
+      children.push(el('div', { class: 'overlay', id: 'overlay' }, parts));
     }
     section.replaceChildren(...children);
+  }
+
+  function openRow(index) {
+    update({ row: index });
+    if (index !== null) document.getElementById('overlay').scrollIntoView({ block: 'nearest' });
   }
 
   // ---- keys and start ----

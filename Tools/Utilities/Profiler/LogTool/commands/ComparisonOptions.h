@@ -1,0 +1,14 @@
+// The options of a comparison on the command line, as the commands that compare two runs take
+// them.
+#pragma once
+
+#include "comparison/RunComparison.h"
+
+#include <CLI/CLI.hpp>
+
+namespace kvt::profiling {
+
+// --alpha A, --threshold PCT, --min-change UNITS and --relative into options.
+void addComparisonOptions(CLI::App& command, ComparisonOptions& options);
+
+} // namespace kvt::profiling

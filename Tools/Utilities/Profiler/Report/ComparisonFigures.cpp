@@ -1,0 +1,50 @@
+// Shared bins make the two histograms of a row comparable bar by bar; they span both runs.
+#include "ComparisonFigures.h"
+
+#include "RunFigures.h"
+#include "statistics/SeriesList.h"
+
+#include <algorithm>
+#include <map>
+
+namespace kvt::profiling {
+
+namespace {
+
+std::map<SeriesKey, const Series*> indexSeries(const RunStatistics& run) {
+  std::map<SeriesKey, const Series*> index;
+  for (const GraphStatistics& graph : run.graphs)
+    for (const SeriesRef& ref : listSeries(graph))
+      index.emplace(makeSeriesKey(graph.name, ref), ref.series);
+  return index;
+}
+
+const Series* findSeries(const std::map<SeriesKey, const Series*>& index,
+                         const ComparisonRow& row) {
+  const auto found = index.find(
+      {row.graph, row.kind, row.name, row.parent.value_or(""), row.occurrence.value_or(0)});
+  return found == index.end() ? nullptr : found->second;
+}
+
+std::optional<OverlaidHistograms> overlay(const Series* base, const Series* next) {
+  if (!base || !next || base->values.empty() || next->values.empty())
+    return std::nullopt;
+  const uint64_t low = std::min(base->values.front(), next->values.front());
+  const uint64_t high = std::max(base->values.back(), next->values.back());
+  return OverlaidHistograms{binValues(base->values, low, high), binValues(next->values, low, high)};
+}
+
+} // namespace
+
+ComparisonFigures figureComparison(const RunStatistics& base, const RunStatistics& next,
+                                   const ComparisonOptions& options) {
+  ComparisonFigures figures;
+  figures.comparison = compareRuns(base, next, options);
+  const std::map<SeriesKey, const Series*> baseIndex = indexSeries(base);
+  const std::map<SeriesKey, const Series*> nextIndex = indexSeries(next);
+  for (const ComparisonRow& row : figures.comparison.rows)
+    figures.overlays.push_back(overlay(findSeries(baseIndex, row), findSeries(nextIndex, row)));
+  return figures;
+}
+
+} // namespace kvt::profiling
