@@ -13,7 +13,8 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       "and the CSV reader, loaded from their shared libraries as the viewer loads them, and the\n"
       "statistics pass of kvt-profile-log stats; then both readers on one graph with 10x, 100x\n"
       "and 1000x the executions, and the trace reader on one step level of 10,000 distinct\n"
-      "identifiers. The figures go to the standard output.\n");
+      "identifiers; and compare's false-alarm rate and power over seeded pairs of synthesised\n"
+      "runs. The figures go to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",
@@ -23,6 +24,7 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
         options.wideExecutions = 10;
         options.runs = 1;
         options.csvRuns = 1;
+        options.calibration = {10, {50}};
       },
       "small logs and one run each: a check that takes seconds");
   const CLI::Validator positive = wholeNumber<uint64_t>(1, UINT64_MAX);
@@ -47,6 +49,11 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       ->option_text("N")
       ->check(positiveRuns);
   app.add_option("--csv-runs", options.csvRuns, "best of N runs of the CSV reader (default 1)")
+      ->option_text("N")
+      ->check(positiveRuns);
+  app.add_option("--calibration-pairs", options.calibration.pairs,
+                 "pairs of runs of each cell of compare's calibration (default\n"
+                 "200)")
       ->option_text("N")
       ->check(positiveRuns);
   app.add_option("--work-dir", options.workDir,
