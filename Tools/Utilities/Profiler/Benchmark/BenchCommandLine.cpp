@@ -11,10 +11,16 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       "Synthesises profiling logs with kvt-profile-log and measures, each run in a process of its\n"
       "own: the floor (every chunk read and verified, every field read once), the trace reader\n"
       "and the CSV reader, loaded from their shared libraries as the viewer loads them, and the\n"
-      "statistics pass of kvt-profile-log stats and the page of kvt-profile-log report (its size\n"
-      "and its time against stats); then both readers on one graph with 10x, 100x and 1000x the\n"
-      "executions, and the trace reader on one step level of 10,000 distinct identifiers. The\n"
-      "figures go to the standard output.\n");
+      "statistics pass of kvt-profile-log stats and the page of kvt-profile-log report (its size
+"
+      "and its time against stats); then both readers on one graph with 10x, 100x and 1000x the
+"
+      "executions, and the trace reader on one step level of 10,000 distinct identifiers; and
+"
+      "compare's false-alarm rate and power over seeded pairs of synthesised runs. The figures go
+"
+      "to the standard output.
+");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",
@@ -24,6 +30,7 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
         options.wideExecutions = 10;
         options.runs = 1;
         options.csvRuns = 1;
+        options.calibration = {10, {50}};
       },
       "small logs and one run each: a check that takes seconds");
   const CLI::Validator positive = wholeNumber<uint64_t>(1, UINT64_MAX);
@@ -48,6 +55,11 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       ->option_text("N")
       ->check(positiveRuns);
   app.add_option("--csv-runs", options.csvRuns, "best of N runs of the CSV reader (default 1)")
+      ->option_text("N")
+      ->check(positiveRuns);
+  app.add_option("--calibration-pairs", options.calibration.pairs,
+                 "pairs of runs of each cell of compare's calibration (default\n"
+                 "200)")
       ->option_text("N")
       ->check(positiveRuns);
   app.add_option("--work-dir", options.workDir,

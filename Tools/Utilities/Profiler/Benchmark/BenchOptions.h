@@ -1,6 +1,8 @@
 // The benchmark's options: the sizes of its inputs and how often each is measured.
 #pragma once
 
+#include "Calibration.h"
+
 #include <cstdint>
 #include <string>
 
@@ -13,6 +15,7 @@ struct BenchOptions {
   uint32_t runs = 3;              // each figure is the best of this many
   uint32_t csvRuns = 1;           // the CSV reader writes gigabytes; its best of this many
   std::string workDir;            // empty: a fresh directory in the temporary directory
+  CalibrationOptions calibration;
 };
 
 } // namespace kvt::profiling

@@ -3,6 +3,7 @@
 #include "Benchmark.h"
 
 #include "BenchReport.h"
+#include "Calibration.h"
 #include "ChildRun.h"
 #include "ComparisonTiming.h"
 #include "FloorWalk.h"
@@ -82,7 +83,9 @@ public:
   BenchRun(const BenchOptions& options, const BenchTools& tools)
       : options(options), tools(tools), dir(options.workDir) {}
 
-  bool run() { return runMain() && runScaling(); }
+  bool run() {
+    return runMain() && runScaling() && runCalibration(options.calibration, dir.file(""));
+  }
 
 private:
   bool runMain() {

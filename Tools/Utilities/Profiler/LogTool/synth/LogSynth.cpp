@@ -35,7 +35,11 @@ enum Unit : uint32_t { unitUs = 1, unitBytes = 2, unitCount = 4 };
 class RunSynthesizer {
 public:
   RunSynthesizer(const SynthOptions& options, ChunkFileWriter& file, ProgressLine& progress)
-      : options(options), figures(options.seed), file(file), progress(progress),
+      : options(options), figures(options.seed),
+        noise(options.noiseSeed.value_or(options.seed)), stepDraws{figures, noise, options.noise,
+                                                                   options.executions,
+                                                                   options.runScale},
+        file(file), progress(progress),
         totalMessages(6 + options.graphs + uint64_t(options.graphs) * options.executions) {
     for (uint32_t graph = 0; graph < options.graphs; ++graph)
       graphNames.push_back("graph_" + std::to_string(graph));
@@ -45,9 +49,10 @@ public:
   // False when a chunk could not be written.
   bool run() {
     if (!addLibLoad() || !addInit() ||
-        !addTimingOnly(MethodType::unnamedTiming, draw({purposeInit, 9}, 4000, 9000)) ||
-        !addTimingOnly(MethodType::composeGraphs,
-                       400 + options.graphs * draw({purposeInit, 10}, 150, 400)))
+        !addTimingOnly(MethodType::unnamedTiming, drawUs({purposeInit, 9}, 4000, 9000)) ||
+        !addTimingOnly(
+            MethodType::composeGraphs,
+            scaleUs(400 + options.graphs * draw({purposeInit, 10}, 150, 400), options.runScale)))
       return false;
     for (uint32_t graph = 0; graph < options.graphs; ++graph)
       if (!addFinalize(graph))
@@ -65,12 +70,22 @@ private:
     return figures.draw(keys, low, high);
   }
 
+  // A duration of the model, as long as the run's scale makes it.
+  uint64_t drawUs(std::initializer_list<uint64_t> keys, uint64_t low, uint64_t high) const {
+    return scaleUs(figures.draw(keys, low, high), options.runScale);
+  }
+
+  // A duration that varies from one execution to the next.
+  uint64_t drawNoiseUs(std::initializer_list<uint64_t> keys, uint64_t low, uint64_t high) const {
+    return scaleUs(noise.draw(keys, low, high), options.runScale);
+  }
+
   // Moves the clock on by a short pause between two phases of the run.
-  void pause(uint64_t key) { clockUs += draw({purposePhaseGap, key}, 50, 500); }
+  void pause(uint64_t key) { clockUs += drawUs({purposePhaseGap, key}, 50, 500); }
 
   bool addLibLoad() {
     openChunk();
-    const uint64_t latencyUs = draw({purposeLibLoad}, 1800, 4200);
+    const uint64_t latencyUs = drawUs({purposeLibLoad}, 1800, 4200);
     const SynthMessage message{MethodType::libLoad, clockUs, clockUs + latencyUs, {}};
     const auto table = addMessage(builder, message, [&] {
       const auto event =
@@ -85,14 +100,14 @@ private:
   bool addInit() {
     openChunk();
     const uint64_t start = clockUs;
-    const uint64_t deviceOpenUs = draw({purposeInit, 1}, 300, 900);
-    const uint64_t firmwareUs = draw({purposeInit, 2}, 1500, 4000);
-    const uint64_t backendInitUs = deviceOpenUs + firmwareUs + draw({purposeInit, 3}, 100, 400);
-    const uint64_t modelLoadUs = draw({purposeInit, 4}, 2000, 6000);
+    const uint64_t deviceOpenUs = drawUs({purposeInit, 1}, 300, 900);
+    const uint64_t firmwareUs = drawUs({purposeInit, 2}, 1500, 4000);
+    const uint64_t backendInitUs = deviceOpenUs + firmwareUs + drawUs({purposeInit, 3}, 100, 400);
+    const uint64_t modelLoadUs = drawUs({purposeInit, 4}, 2000, 6000);
     const SynthMessage message{MethodType::init,
                                start,
                                start + backendInitUs + modelLoadUs +
-                                   draw({purposeInit, 5}, 200, 800),
+                                   drawUs({purposeInit, 5}, 200, 800),
                                {}};
     const auto table = addMessage(builder, message, [&] {
       const std::array events = {
@@ -133,13 +148,14 @@ private:
   bool addFinalize(uint32_t graph) {
     openChunk();
     const uint64_t start = clockUs;
-    const uint64_t compileUs = draw({purposeFinalize, graph, 1}, 5000, 20000);
+    const uint64_t compileUs = drawUs({purposeFinalize, graph, 1}, 5000, 20000);
     const uint64_t weightBytes = draw({purposeFinalize, graph, 2}, 1, 32) * mebibyte;
-    const uint64_t uploadUs = weightBytes / draw({purposeFinalize, graph, 3}, 800, 1600);
-    const uint64_t backendUs = compileUs + uploadUs + draw({purposeFinalize, graph, 4}, 100, 500);
+    const uint64_t uploadUs =
+        scaleUs(weightBytes / draw({purposeFinalize, graph, 3}, 800, 1600), options.runScale);
+    const uint64_t backendUs = compileUs + uploadUs + drawUs({purposeFinalize, graph, 4}, 100, 500);
     const uint64_t commandBuffers = 1 + options.steps / draw({purposeFinalize, graph, 5}, 2, 8);
     const SynthMessage message{MethodType::finalize, start,
-                               start + backendUs + draw({purposeFinalize, graph, 6}, 300, 1200),
+                               start + backendUs + drawUs({purposeFinalize, graph, 6}, 300, 1200),
                                graphNames[graph]};
     const auto table = addMessage(builder, message, [&] {
       const auto event =
@@ -198,16 +214,20 @@ private:
     executionSteps.clear();
     uint64_t stepsUs = 0;
     for (uint32_t step = 0; step < options.steps; ++step) {
-      executionSteps.push_back(drawStepFigures(figures, graph, step, execution));
+      const double spanFactor =
+          options.stepScales.empty()
+              ? 1
+              : findStepFactor(options.stepScales, StepName(figures, graph, step).view());
+      executionSteps.push_back(drawStepFigures(stepDraws, graph, step, execution, spanFactor));
       stepsUs += executionSteps.back().waitUs + executionSteps.back().executionUs;
     }
     const uint64_t start = clockUs;
     const uint64_t queueWaitUs =
-        options.queueWait ? draw({purposeExecution, graph, execution, 1}, 5, 400) : 0;
+        options.queueWait ? drawNoiseUs({purposeExecution, graph, execution, 1}, 5, 400) : 0;
     const uint64_t backendStartUs = start + queueWaitUs;
     const SynthMessage message{
         options.queueWait ? MethodType::executeWithQueueWait : MethodType::execute, start,
-        backendStartUs + stepsUs + draw({purposeExecution, graph, execution, 2}, 15, 60),
+        backendStartUs + stepsUs + drawNoiseUs({purposeExecution, graph, execution, 2}, 15, 60),
         graphNames[graph]};
     const auto table = addMessage(builder, message, [&] {
       std::array<Offset<schema::Event>, 2> events{};
@@ -237,7 +257,7 @@ private:
     });
     clockUs = message.endUs;
     lastExecutionEndUs = clockUs;
-    clockUs += draw({purposeExecution, graph, execution, 3}, 20, 250);
+    clockUs += drawNoiseUs({purposeExecution, graph, execution, 3}, 20, 250);
     return commit(table);
   }
 
@@ -261,9 +281,9 @@ private:
   bool addDeinit() {
     openChunk();
     const uint64_t start = clockUs;
-    const uint64_t releaseUs = draw({purposeInit, 11}, 300, 1500);
+    const uint64_t releaseUs = drawUs({purposeInit, 11}, 300, 1500);
     const SynthMessage message{
-        MethodType::deinit, start, start + releaseUs + draw({purposeInit, 12}, 100, 400), {}};
+        MethodType::deinit, start, start + releaseUs + drawUs({purposeInit, 12}, 100, 400), {}};
     const auto table = addMessage(builder, message, [&] {
       const auto event =
           addEvent(builder, {"backend deinit", deinitEvent, releaseUs, unitUs, start}, [&] {
@@ -325,6 +345,8 @@ private:
 
   const SynthOptions& options;
   const FigureSource figures;
+  const FigureSource noise;
+  const StepDraws stepDraws;
   ChunkFileWriter& file;
   ProgressLine& progress;
   const uint64_t totalMessages;
@@ -342,6 +364,14 @@ private:
 };
 
 } // namespace
+
+const StepScale* findUnmatchedScale(const SynthOptions& options) {
+  const FigureSource model(options.seed);
+  for (const StepScale& scale : options.stepScales)
+    if (!hasStepNamed(model, options.graphs, options.steps, scale.name))
+      return &scale;
+  return nullptr;
+}
 
 int synthLog(const SynthOptions& options, ToolConsole& console) {
   ChunkFileWriter file(options.outputPath);

@@ -3,10 +3,14 @@
 // written chunk by chunk in memory that does not grow with the number of executions.
 #pragma once
 
+#include "SynthNoise.h"
+#include "SynthScales.h"
 #include "commands/ToolConsole.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace kvt::profiling {
 
@@ -24,6 +28,13 @@ struct SynthOptions {
   bool queueWait = false; // executions of method type 3, each with one queue-wait event
   uint32_t messagesPerChunk = 16;
   uint64_t seed = 1;
+  // The variation from one execution to the next (of steps, queue waits and the gaps around
+  // executions) comes from this seed; the model (names, base values, shapes, every other phase)
+  // from seed alone. Without it, from seed too.
+  std::optional<uint64_t> noiseSeed;
+  SynthNoise noise = SynthNoise::mild;
+  std::vector<StepScale> stepScales; // every name must be a step's of the run
+  double runScale = 1;               // of every duration of the run
 };
 
 // Bounds on the options, which keep every chunk far below the 2 GiB a buffer may hold.
@@ -33,6 +44,9 @@ struct SynthLimits {
   static constexpr uint32_t maxSteps = 100000;             // steps of one execution
   static constexpr uint32_t maxMessagesPerChunk = 1000000; // messages of one chunk
 };
+
+// The first step scale that names no step of the run; null when each names one.
+const StepScale* findUnmatchedScale(const SynthOptions& options);
 
 // Writes the log to options.outputPath, with a progress line on console.err when that is a
 // terminal and the job takes longer than a second. Returns exitBadInput, with no file left

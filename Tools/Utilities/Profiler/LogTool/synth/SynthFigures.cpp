@@ -19,10 +19,14 @@ FigureSource::FigureSource(uint64_t seed) : seedBits(mixBits(seed)) {}
 
 uint64_t FigureSource::draw(std::initializer_list<uint64_t> keys, uint64_t low,
                             uint64_t high) const {
+  return low + drawBits(keys) % (high - low + 1);
+}
+
+uint64_t FigureSource::drawBits(std::initializer_list<uint64_t> keys) const {
   uint64_t bits = seedBits;
   for (const uint64_t key : keys)
     bits = mixBits(bits ^ key);
-  return low + bits % (high - low + 1);
+  return bits;
 }
 
 } // namespace kvt::profiling

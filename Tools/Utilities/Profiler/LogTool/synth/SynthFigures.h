@@ -29,6 +29,9 @@ public:
   // A figure from low to high, both included, that depends only on the seed and the keys.
   uint64_t draw(std::initializer_list<uint64_t> keys, uint64_t low, uint64_t high) const;
 
+  // All 64 bits of the draw for the keys, for figures built from several uniform parts.
+  uint64_t drawBits(std::initializer_list<uint64_t> keys) const;
+
 private:
   uint64_t seedBits; // the seed, mixed once for all draws
 };
