@@ -11,16 +11,11 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       "Synthesises profiling logs with kvt-profile-log and measures, each run in a process of its\n"
       "own: the floor (every chunk read and verified, every field read once), the trace reader\n"
       "and the CSV reader, loaded from their shared libraries as the viewer loads them, and the\n"
-      "statistics pass of kvt-profile-log stats and the page of kvt-profile-log report (its size
-"
-      "and its time against stats); then both readers on one graph with 10x, 100x and 1000x the
-"
-      "executions, and the trace reader on one step level of 10,000 distinct identifiers; and
-"
-      "compare's false-alarm rate and power over seeded pairs of synthesised runs. The figures go
-"
-      "to the standard output.
-");
+      "statistics pass of kvt-profile-log stats and the page of kvt-profile-log report (its size\n"
+      "and its time against stats); then both readers on one graph with 10x, 100x and 1000x the\n"
+      "executions, and the trace reader on one step level of 10,000 distinct identifiers; and\n"
+      "compare's false-alarm rate and power over seeded pairs of synthesised runs. The figures go\n"
+      "to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",
