@@ -17,6 +17,7 @@ LOG_TOOL = os.environ["KVT_LOG_TOOL"]
 GOLDEN = Path(os.environ["KVT_TOOL_GOLDEN_DIR"])
 SCREENSHOTS = Path(os.environ["KVT_REPORT_SCREENSHOTS"])
 HOSTILE_GRAPH = "</script><img src=x onerror=alert(1)>"
+HOSTILE_TITLE = "</title><script>alert(2)</script>"
 
 
 def tool(*args):
@@ -30,11 +31,12 @@ def reports():
     for case, name in [("compare-200", "base"), ("compare-200", "new"), ("report", "input"),
                        ("percentiles", "input"), ("step-keys", "input")]:
         tool("build", "--chunks", GOLDEN / case / f"{name}.json", "-o", folder / f"{case}-{name}.log")
-    tool("synth", "-o", folder / "synth.log", "--graphs", 2, "--executions", 600, "--steps", 12)
+    tool("synth", "-o", folder / "synth.log", "--graphs", 2, "--executions", 600, "--steps", 12,
+         "--noise", "heavy")
     tool("report", folder / "synth.log", "-o", folder / "synth.html", "--skip-first", 3)
     tool("report", folder / "compare-200-new.log", "--base", folder / "compare-200-base.log",
          "-o", folder / "compare.html", "--title", "compare-200")
-    tool("report", folder / "report-input.log", "-o", folder / "hostile.html")
+    tool("report", folder / "report-input.log", "-o", folder / "hostile.html", "--title", HOSTILE_TITLE)
     tool("report", folder / "percentiles-input.log", "-o", folder / "percentiles.html")
     tool("report", folder / "step-keys-input.log", "-o", folder / "steps.html", "--skip-first", "1")
     return folder
@@ -153,6 +155,9 @@ def test_hostile_names_show_as_text(browser, reports):
     assert browser.find_elements(By.TAG_NAME, "img") == []
     assert browser.find_elements(By.TAG_NAME, "b") == []
     assert browser.execute_script("return document.scripts.length") == 2
+    assert browser.title == HOSTILE_TITLE
+    browser.find_element(By.ID, "copy-csv").click()
+    assert browser.find_element(By.ID, "status").text == "Copied 2 rows as CSV"
 
 
 def test_the_url_keeps_the_view(browser, reports):

@@ -436,7 +436,7 @@
     if (points.skipped) {
       const cut = x(points.skipped - 0.5);
       picture.append(svg('line', { class: 'cut', x1: cut, x2: cut, y1: plot.top, y2: plot.height - plot.bottom }),
-        svg('text', { class: 'label', x: cut + 4, y: plot.height - plot.bottom - 6, text: `--skip-first ${data.skipFirst}` }));
+        svg('text', { class: 'label', x: cut + 4, y: plot.top + 10, text: `--skip-first ${data.skipFirst}` }));
     }
     if (series.summary.first !== null && (!points.index || points.index[0] === 0)) {
       const cx = x(0);
