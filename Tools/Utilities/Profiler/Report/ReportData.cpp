@@ -107,6 +107,8 @@ void writeComparison(std::ostream& out, const std::optional<ComparisonFigures>& 
   std::string text = comparison.str();
   while (!text.empty() && text.back() == '\n')
     text.pop_back();
+  for (size_t line = text.find('\n'); line != std::string::npos; line = text.find('\n', line + 1))
+    text.insert(line + 1, "  "); // its lines indented as a value of the data
   out << text << ",\n  \"overlays\": [";
   for (size_t i = 0; i < figures->overlays.size(); ++i) {
     const std::optional<OverlaidHistograms>& overlay = figures->overlays[i];

@@ -37,6 +37,10 @@ def reports():
     tool("report", folder / "compare-200-new.log", "--base", folder / "compare-200-base.log",
          "-o", folder / "compare.html", "--title", "compare-200")
     tool("report", folder / "report-input.log", "-o", folder / "hostile.html", "--title", HOSTILE_TITLE)
+    tool("build", "--chunks", GOLDEN / "without-steps" / "input.json", "-o", folder / "bare.log")
+    tool("build", "--chunks", GOLDEN / "without-steps" / "no-executions.json", "-o", folder / "empty.log")
+    tool("report", folder / "bare.log", "-o", folder / "bare.html")
+    tool("report", folder / "empty.log", "--base", folder / "empty.log", "-o", folder / "empty.html")
     tool("report", folder / "percentiles-input.log", "-o", folder / "percentiles.html")
     tool("report", folder / "step-keys-input.log", "-o", folder / "steps.html", "--skip-first", "1")
     return folder
@@ -178,3 +182,10 @@ def test_the_url_keeps_the_view(browser, reports):
                             {"features": [{"name": "prefers-color-scheme", "value": "dark"}]})
     shoot(browser, "detail-dark")
     browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
+
+
+def test_runs_without_steps_or_executions_say_so(browser, reports):
+    open_page(browser, reports / "bare.html")
+    assert "have no steps" in browser.find_element(By.ID, "table-section").text
+    open_page(browser, reports / "empty.html")
+    assert "no executions" in browser.find_element(By.ID, "graph").text

@@ -92,6 +92,7 @@
 
   // 1, 2 and 5 times the powers of ten within [low, high], thinned to about count ticks.
   function logTicks(low, high, count) {
+    if (!(high > low && low > 0 && Number.isFinite(high))) return [];
     const ticks = [];
     for (let power = Math.pow(10, Math.floor(Math.log10(Math.max(low, 1)))); power <= high; power *= 10)
       for (const factor of [1, 2, 5]) {
@@ -165,7 +166,7 @@
       buttons.push(button);
     }
     nav.replaceChildren(...buttons);
-    nav.hidden = buttons.length < 2;
+    nav.hidden = buttons.length < 2 && !comparison;
   }
 
   function figure(label, value) {
@@ -273,7 +274,7 @@
     if (section.hidden) return;
     const rows = tableRows(graph);
     const spans = graph.series.filter((s) => s.kind === 'span' && s.box);
-    const low = Math.max(Math.min(...spans.map((s) => s.box[0]), Infinity), 1);
+    const low = spans.length ? Math.max(Math.min(...spans.map((s) => s.box[0])), 1) : 1;
     const high = Math.max(...spans.map((s) => s.summary.max), low + 1);
     const width = 240;
     const scale = logScale(low, high, 6, width - 6);
@@ -322,7 +323,8 @@
     }));
     const table = el('table', { id: 'steps' }, el('thead', {}, header), body);
     const children = [toolbar, table];
-    if (!rows.length) children.push(el('p', { class: 'note' }, 'No step matches the filter.'));
+    if (!rows.length)
+      children.push(el('p', { class: 'note' }, graph.series.some((s) => s.kind === 'span') ? 'No step matches the filter.' : 'The executions of this graph have no steps.'));
     section.replaceChildren(...children);
   }
 
