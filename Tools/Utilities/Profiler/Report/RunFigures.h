@@ -15,7 +15,7 @@ namespace kvt::profiling {
 
 inline constexpr size_t maxPointsPerSeries = 2000; // execution-plot points of one series
 inline constexpr size_t maxPointsPerRun = 200000;  // of all series of a run: bounds the page
-inline constexpr size_t minPointsPerSeries = 100;  // kept even when a run has very many series
+inline constexpr size_t minPointsPerSeries = 20;   // kept even when a run has very many series
 
 // What identifies a series in a run: graph, kind, name, parent ("" for none), occurrence (0 for
 // none).

@@ -56,7 +56,8 @@ void addReportCommand(CLI::App& tool, CommandRun& run) {
       "each graph's run-wide shift) and, per series, both runs' histograms overlaid.\n"
       "The page is written beside OUT and renamed into place.\n" +
       std::string(statisticsMemoryNote) +
-      "\nExit status: 0 done, 1 unreadable log or unwritable output, 2 wrong command line.");
+      " With --base, both runs' values are kept at once.\n"
+      "Exit status: 0 done, 1 unreadable log or unwritable output, 2 wrong command line.");
   const auto options = std::make_shared<ReportCommandOptions>();
   command->add_option("LOG", options->report.logPath, "the log to report")
       ->required()
