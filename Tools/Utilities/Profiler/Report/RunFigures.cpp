@@ -37,7 +37,13 @@ GraphFigures figureGraph(const GraphStatistics& graph, std::map<SeriesKey, Order
   return figures;
 }
 
-// Thins every series further when the run as a whole has too many points.
+} // namespace
+
+SeriesKey makeSeriesKey(std::string_view graph, const SeriesRef& ref) {
+  return {std::string(graph), ref.kind, std::string(ref.name), std::string(ref.parent.value_or("")),
+          ref.occurrence.value_or(0)};
+}
+
 void boundPoints(RunFigures& figures) {
   size_t seriesCount = 0;
   size_t pointCount = 0;
@@ -52,13 +58,6 @@ void boundPoints(RunFigures& figures) {
   for (GraphFigures& graph : figures.graphs)
     for (SeriesFigures& series : graph.series)
       series.points = thinExecutionPoints(series.points, perSeries);
-}
-
-} // namespace
-
-SeriesKey makeSeriesKey(std::string_view graph, const SeriesRef& ref) {
-  return {std::string(graph), ref.kind, std::string(ref.name), std::string(ref.parent.value_or("")),
-          ref.occurrence.value_or(0)};
 }
 
 bool readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,

@@ -36,6 +36,11 @@ struct RunFigures {
   std::vector<GraphFigures> graphs;
 };
 
+// Thins every series' points further when the run holds more than maxPointsPerRun: to the same
+// even number each, maxPointsPerRun / series, but not below minPointsPerSeries. Example: 150
+// series of 2000 points keep 1332 each.
+void boundPoints(RunFigures& figures);
+
 // Reads the log at path in one statistics pass (options' sink is replaced) into run, and its
 // figures into figures. False, with the reader's report, when the log cannot be read.
 bool readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,

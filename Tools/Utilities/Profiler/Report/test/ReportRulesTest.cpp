@@ -1,9 +1,11 @@
-// The rule of the report that small logs express badly: which of thousands of values in execution
-// order the execution plot keeps.
+// The rules of the report that small logs express badly: which of thousands of values in
+// execution order the execution plot keeps, and how many a run with many series keeps per series.
 #include "ExecutionPoints.h"
+#include "RunFigures.h"
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <vector>
 
 namespace kvt::profiling {
@@ -36,6 +38,38 @@ TEST(ReportRules, ThinningKeepsTheExtremesOfEqualRuns) {
     ASSERT_EQ(points.value.size(), points.index.size());
     for (size_t i = 0; i < points.index.size(); ++i)
       EXPECT_EQ(points.value[i], c.values[points.index[i]]);
+  }
+}
+
+// One graph of seriesCount series, each with pointsEach points.
+RunFigures runOf(size_t seriesCount, size_t pointsEach) {
+  std::vector<uint64_t> values(pointsEach);
+  std::iota(values.begin(), values.end(), 0);
+  RunFigures run;
+  run.graphs.emplace_back().series.resize(seriesCount);
+  for (SeriesFigures& series : run.graphs[0].series)
+    series.points = thinExecutionPoints(values, pointsEach);
+  return run;
+}
+
+TEST(ReportRules, ARunOfManySeriesSharesItsPointBudget) {
+  struct Case {
+    const char* what;
+    size_t seriesCount;
+    size_t pointsEach;
+    size_t expectedEach;
+  };
+  const Case cases[] = {
+      {"100 series of 2000 points fit the budget", 100, 2000, 2000},
+      {"150 series share 200,000 points, an even number each", 150, 2000, 1332},
+      {"20,000 series keep the floor of 20 points each", 20000, 40, 20},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    RunFigures run = runOf(c.seriesCount, c.pointsEach);
+    boundPoints(run);
+    for (const SeriesFigures& series : run.graphs[0].series)
+      ASSERT_EQ(series.points.index.size(), c.expectedEach);
   }
 }
 
