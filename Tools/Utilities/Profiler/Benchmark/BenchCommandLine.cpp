@@ -10,10 +10,11 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
   app.description(
       "Synthesises profiling logs with kvt-profile-log and measures, each run in a process of its\n"
       "own: the floor (every chunk read and verified, every field read once), the trace reader\n"
-      "and the CSV reader, loaded from their shared libraries as the viewer loads them, and the\n"
-      "statistics pass of kvt-profile-log stats; then both readers on one graph with 10x, 100x\n"
-      "and 1000x the executions, and the trace reader on one step level of 10,000 distinct\n"
-      "identifiers. The figures go to the standard output.\n");
+      "and the CSV reader, loaded from their shared libraries as the viewer loads them, the\n"
+      "statistics pass of kvt-profile-log stats, the CSV export of kvt-profile-log executions\n"
+      "and the frame of kvtprofile.executions in Python; then both readers on one graph with\n"
+      "10x, 100x and 1000x the executions, and the trace reader on one step level of 10,000\n"
+      "distinct identifiers. The figures go to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",
