@@ -37,6 +37,13 @@ void printTarget(const std::string& name, const Measured& target, uint64_t logBy
   std::fflush(stdout);
 }
 
+void printComparisonNote(const ComparisonTiming& timing) {
+  std::printf("compare reads both logs (MB/s of the two); comparing their %llu series took %.3f s "
+              "of it, %.3f s per 1000 series\n",
+              static_cast<unsigned long long>(timing.series), timing.comparisonSeconds,
+              timing.series ? timing.comparisonSeconds * 1000 / double(timing.series) : 0.0);
+}
+
 void printScalingHeader() {
   std::printf("\nscaling: both readers on one graph (seconds, ns per record, peak RSS MiB)\n");
   std::printf("%-10s %10s %6s %8s %9s %8s %8s %7s %7s %8s %7s %7s\n", "", "executions", "steps",

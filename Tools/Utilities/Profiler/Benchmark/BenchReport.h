@@ -2,6 +2,7 @@
 // and peak resident memory of each target; then the scaling series.
 #pragma once
 
+#include "ComparisonTiming.h"
 #include "FloorWalk.h"
 
 #include <cstdint>
@@ -22,6 +23,9 @@ void printInput(const std::string& shape, uint64_t logBytes, const LogWalk& walk
 void printTargetHeader();
 void printTarget(const std::string& name, const Measured& target, uint64_t logBytes,
                  const Measured& floor);
+
+// The comparison's own share of the compare row: its series and its time beyond both passes.
+void printComparisonNote(const ComparisonTiming& timing);
 
 void printScalingHeader();
 // One log of the series: its executions, size and records; the floor, the trace reader and, when

@@ -4,6 +4,7 @@
 
 #include "BenchReport.h"
 #include "ChildRun.h"
+#include "ComparisonTiming.h"
 #include "FloorWalk.h"
 #include "LogSynthesis.h"
 #include "ReaderHost.h"
@@ -107,11 +108,17 @@ private:
     if (!stats)
       return false;
     printTarget("stats", *stats, logBytes, *floor);
+    ComparisonTiming comparison;
+    const std::optional<Measured> compare = measureComparison(log.path, comparison);
+    if (!compare)
+      return false;
+    printTarget("compare", *compare, 2 * logBytes, *floor);
     const std::optional<Measured> csv =
         measureReader(tools.csvLibrary, log.path, "events.csv", options.csvRuns);
     if (!csv)
       return false;
     printTarget("CSV reader", *csv, logBytes, *floor);
+<<<<<<< HEAD
     return measureTables(log.path, logBytes, *floor, *stats);
   }
 
@@ -138,6 +145,9 @@ private:
       return false;
     }
     printFrame(*frame, logBytes, floor, stats);
+=======
+    printComparisonNote(comparison);
+>>>>>>> main
     return true;
   }
 
@@ -216,6 +226,19 @@ private:
           return true;
         },
         [](const std::string&) {});
+  }
+
+  // kvt-profile-log compare of the log with a copy of itself: both passes, the comparison and its
+  // table; the comparison's own time of the fastest run goes to timing.
+  std::optional<Measured> measureComparison(const std::string& logPath, ComparisonTiming& timing) {
+    return measureBest(
+        options.runs,
+        [&](std::string& findings) { return runComparison(logPath, logPath, findings); },
+        [&](const std::string& findings) {
+          const ComparisonTiming run = readComparisonTiming(findings);
+          if (timing.series == 0 || run.comparisonSeconds < timing.comparisonSeconds)
+            timing = run;
+        });
   }
 
   // The fastest of runs children; none when any of them failed. afterEach sees each run's

@@ -1,12 +1,13 @@
 // Feeds arbitrary bytes to both readers as a log file: parse, then every output into a
-// scratch directory; then the statistics pass and every statistics report. Any crash, leak, hang
-// or runaway allocation is a finding.
+// scratch directory; then the statistics pass, every statistics report and comparisons. Any crash,
+// leak, hang or runaway allocation is a finding.
 #include "plugin/KvtProfileLogReader.h"
 #include "reports/CompareReport.h"
 #include "reports/StatsReport.h"
 #include "statistics/StatisticsPass.h"
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -60,7 +61,38 @@ bool claimsLittlePadding(const uint8_t* data, size_t size) {
   return true;
 }
 
-// The statistics of the log, every report of them, and its comparison with itself.
+// A copy of a run whose values are moved: a third of them mirrored towards 2^64, the rest an
+// eighth larger, so that comparisons meet shifts, ties and the largest values.
+RunStatistics perturbed(RunStatistics run) {
+  auto move = [](Series& series) {
+    for (size_t i = 0; i < series.values.size(); ++i) {
+      uint64_t& value = series.values[i];
+      value = i % 3 == 0 ? UINT64_MAX - value : value + std::min(value / 8, UINT64_MAX - value);
+    }
+    std::sort(series.values.begin(), series.values.end());
+  };
+  for (GraphStatistics& graph : run.graphs) {
+    move(graph.duration);
+    move(graph.queueWait);
+    for (BackendSeries& backend : graph.backend)
+      move(backend.value);
+    for (StepSeries& step : graph.steps) {
+      move(step.span);
+      move(step.wait);
+    }
+  }
+  return run;
+}
+
+void writeComparison(std::ostream& out, const RunStatistics& base, const RunStatistics& next,
+                     const ComparisonOptions& options, const std::string& logPath) {
+  const Comparison comparison = compareRuns(base, next, options);
+  writeComparisonTable(out, comparison);
+  writeComparisonJson(out, comparison, logPath, logPath);
+}
+
+// The statistics of the log, every report of them, and its comparison with itself and with a
+// perturbed copy, plainly and net of the run-wide shift.
 void runStatistics(const std::string& logPath) {
   RunStatistics run;
   if (!readRunStatistics(logPath, {VisibilityLevel::keepAll, 1, {}}, run))
@@ -69,9 +101,10 @@ void runStatistics(const std::string& logPath) {
   writeStatsTable(discarded, run, {StepOrder::name, 3});
   writeStatsJson(discarded, run, logPath, 1);
   writeStatsCsv(discarded, run);
-  const Comparison comparison = compareRuns(run, run, 5);
-  writeComparisonTable(discarded, comparison);
-  writeComparisonJson(discarded, comparison, logPath, logPath, 5);
+  writeComparison(discarded, run, run, {}, logPath);
+  const RunStatistics other = perturbed(run);
+  writeComparison(discarded, run, other, {}, logPath);
+  writeComparison(discarded, other, run, {0.2, 0, 10, true}, logPath);
 }
 
 } // namespace

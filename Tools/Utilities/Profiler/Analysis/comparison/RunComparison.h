@@ -1,7 +1,10 @@
-// Compares the series of two runs: graphs matched by name, series by kind and key; each matched
-// series gets a verdict from the change of its median and a rank test.
+// Compares the series of two runs: graphs matched by name, series by kind and key. Each matched
+// series gets the estimated shift of its values with a confidence interval, a rank test adjusted
+// for the number of series tested, and a verdict that says whether a change was shown, an
+// equivalence was shown, or neither.
 #pragma once
 
+#include "ShiftEstimate.h"
 #include "statistics/RunStatistics.h"
 #include "statistics/SeriesList.h"
 
@@ -12,15 +15,28 @@
 
 namespace kvt::profiling {
 
-enum class Verdict { slower, faster, same, added, removed };
+enum class Verdict { slower, faster, same, unsure, added, removed };
 
-// "slower", "faster", "same", "added" or "removed".
+// "slower", "faster", "same", "unsure", "added" or "removed".
 std::string_view verdictName(Verdict verdict);
+
+struct ComparisonOptions {
+  double alpha = 0.01;         // the family-wise false-alarm rate of a slower verdict
+  double thresholdPercent = 5; // a change within plus or minus this much of the base median is none
+  double minChangeUnits = 0;   // a change of at most this many log units is none
+  bool relative = false;       // judge steps and back-end records net of each graph's run shift
+};
 
 // One side of a row: its counted values and their median, none when it has no values.
 struct ComparedSide {
   uint64_t count = 0;
   std::optional<uint64_t> p50;
+};
+
+// A shift in percent of the base median.
+struct PercentChange {
+  double percent = 0;
+  std::optional<Interval> interval;
 };
 
 struct ComparisonRow {
@@ -31,30 +47,47 @@ struct ComparisonRow {
   std::optional<uint64_t> occurrence;
   ComparedSide base;
   ComparedSide next;
-  std::optional<double> changePercent; // of the median; none unless both have a non-zero base
-  std::optional<double> pValue;        // none unless both sides have values
+  std::optional<ShiftEstimate> shift;  // in log units; none unless both sides have values
+  std::optional<PercentChange> change; // of the base median; none unless shift and base p50 > 0
+  std::optional<double> pValue;        // two-sided rank test; none unless both sides have values
+  std::optional<double> pAdjusted;     // Holm, over every row with a p-value
+  std::optional<double> qValue;        // Benjamini-Hochberg, over the same rows
+  std::optional<uint64_t> needed;      // unsure rows: executions per run that would tell
   Verdict verdict = Verdict::same;
+};
+
+// The run-wide change of a graph: the shift of its execution durations. In relative comparisons
+// the new run's step and back-end values are divided by ratio before they are judged.
+struct GraphShift {
+  std::string name;
+  std::optional<ShiftEstimate> shift;  // none unless both runs have durations
+  std::optional<PercentChange> change; // none unless shift and a base median above 0
+  double ratio = 1;                    // 1 + change.percent / 100, or 1
 };
 
 struct ComparisonTotals {
   uint64_t slower = 0;
   uint64_t faster = 0;
   uint64_t same = 0;
+  uint64_t unsure = 0;
   uint64_t added = 0;
   uint64_t removed = 0;
+  uint64_t tested = 0; // rows with a p-value, the family the adjustments count
 };
 
 struct Comparison {
+  ComparisonOptions options;
+  std::vector<GraphShift> graphs;  // base graphs in order, then what new adds
   std::vector<ComparisonRow> rows; // base graphs and series in their order, then what new adds
   ComparisonTotals totals;
 };
 
-inline constexpr double rankTestAlpha = 0.01; // the p-value below which a change is not noise
-
-// slower when the new median exceeds the base median by more than thresholdPercent and the
-// rank test's p-value is below rankTestAlpha; faster likewise the other way; same otherwise.
-// Series of only one run are added or removed.
+// slower: the Holm-adjusted p-value is below alpha and the shift exceeds the margin (the
+// threshold's share of the base median, and minChangeUnits); faster likewise the other way.
+// same: the (1 - 2 alpha) interval of the shift lies within plus or minus the margin. unsure:
+// neither, with the executions per run that would make the interval narrower than the margin's
+// band. Series of only one run are added or removed.
 Comparison compareRuns(const RunStatistics& base, const RunStatistics& next,
-                       double thresholdPercent);
+                       const ComparisonOptions& options);
 
 } // namespace kvt::profiling

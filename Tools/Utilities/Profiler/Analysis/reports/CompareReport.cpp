@@ -5,14 +5,15 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 namespace kvt::profiling {
 
 namespace {
 
-// A p-value to four significant digits, "0.0123" or "1.234e-09", which tiny values need.
-std::string formatPValue(std::optional<double> value) {
-  if (!value)
+// A figure to four significant digits, "0.0123" or "1.234e-09", which tiny p-values need.
+std::string formatSignificant(std::optional<double> value) {
+  if (!value || !std::isfinite(*value))
     return "null";
   char text[64];
   const auto result =
@@ -20,80 +21,185 @@ std::string formatPValue(std::optional<double> value) {
   return std::string(text, result.ptr);
 }
 
-// The table's grouping: slower, faster, then the others.
+// A finite figure with three decimals, else null: JSON has no NaN. A figure that rounds to zero
+// is "0.000", never "-0.000".
+std::string formatFinite(std::optional<double> value, int decimals = 3) {
+  std::string text = formatFixed(value && std::isfinite(*value) ? value : std::nullopt, decimals);
+  if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos)
+    text.erase(0, 1);
+  return text;
+}
+
+// The table's grouping: slower, faster, unsure, then the others.
 int tableGroup(Verdict verdict) {
-  return verdict == Verdict::slower ? 0 : verdict == Verdict::faster ? 1 : 2;
+  switch (verdict) {
+  case Verdict::slower:
+    return 0;
+  case Verdict::faster:
+    return 1;
+  case Verdict::unsure:
+    return 2;
+  default:
+    return 3;
+  }
 }
 
 std::string orDash(const std::string& text) {
   return text == "null" ? "-" : text;
 }
 
+std::string formatInterval(const std::optional<Interval>& interval, int decimals) {
+  if (!interval)
+    return "-";
+  std::string text = "[";
+  text.append(formatFinite(interval->low, decimals)).append(", ");
+  return text.append(formatFinite(interval->high, decimals)).append("]");
+}
+
+std::string withSign(double value, int decimals) {
+  std::string text = value >= 0 ? "+" : "";
+  return text.append(formatFinite(value, decimals));
+}
+
+// "model: run-wide shift +300.0 (+18.7 %, 98 % interval +17.9 % to +19.5 %)"
+void writeGraphLine(std::ostream& out, const GraphShift& graph, const ComparisonOptions& options) {
+  out << graph.name << ": ";
+  if (!graph.shift) {
+    out << "no run-wide shift (the graph has no durations in one of the runs)\n";
+    return;
+  }
+  const std::string level = formatSignificant((1 - 2 * options.alpha) * 100);
+  out << "run-wide shift " << withSign(graph.shift->units, 1);
+  if (graph.change) {
+    out << " (" << withSign(graph.change->percent, 1) << " %";
+    if (graph.change->interval)
+      out << ", " << level << " % interval " << withSign(graph.change->interval->low, 1) << " % to "
+          << withSign(graph.change->interval->high, 1) << " %";
+    out << ')';
+  } else if (graph.shift->interval) {
+    out << " (" << level << " % interval " << withSign(graph.shift->interval->low, 1) << " to "
+        << withSign(graph.shift->interval->high, 1) << ')';
+  }
+  if (options.relative)
+    out << "; steps and back-end records judged net of it (new values divided by "
+        << formatFinite(graph.ratio, 4) << ')';
+  out << '\n';
+}
+
 void writeSide(std::ostream& out, const ComparedSide& side) {
   out << "{\"count\": " << side.count << ", \"p50\": " << formatOptional(side.p50) << '}';
 }
 
-void writeTotals(std::ostream& out, const ComparisonTotals& totals) {
+void writeIntervalJson(std::ostream& out, const std::optional<Interval>& interval) {
+  if (interval)
+    out << '[' << formatFinite(interval->low) << ", " << formatFinite(interval->high) << ']';
+  else
+    out << "null";
+}
+
+void writeGraphJson(std::ostream& out, const GraphShift& graph) {
+  out << "{\"name\": ";
+  writeJsonString(out, graph.name);
+  out << ", \"runShift\": ";
+  if (!graph.shift) {
+    out << "null}";
+    return;
+  }
+  out << "{\"shift\": " << formatFinite(graph.shift->units) << ", \"changePercent\": "
+      << formatFinite(graph.change ? std::optional(graph.change->percent) : std::nullopt)
+      << ", \"interval\": ";
+  writeIntervalJson(out, graph.change ? graph.change->interval : std::nullopt);
+  out << ", \"ratio\": " << formatFinite(graph.ratio, 6) << "}}";
+}
+
+void writeRowJson(std::ostream& out, const ComparisonRow& row) {
+  out << "{\"graph\": ";
+  writeJsonString(out, row.graph);
+  out << ", \"series\": \"" << seriesKindName(row.kind) << "\", \"name\": ";
+  writeJsonString(out, row.name);
+  out << ", \"parent\": ";
+  if (row.parent)
+    writeJsonString(out, *row.parent);
+  else
+    out << "null";
+  out << ", \"occurrence\": " << formatOptional(row.occurrence) << ", \"base\": ";
+  writeSide(out, row.base);
+  out << ", \"new\": ";
+  writeSide(out, row.next);
+  out << ", \"shift\": " << formatFinite(row.shift ? std::optional(row.shift->units) : std::nullopt)
+      << ", \"changePercent\": "
+      << formatFinite(row.change ? std::optional(row.change->percent) : std::nullopt)
+      << ", \"interval\": ";
+  writeIntervalJson(out, row.change ? row.change->interval : std::nullopt);
+  out << ", \"pValue\": " << formatSignificant(row.pValue)
+      << ", \"pAdjusted\": " << formatSignificant(row.pAdjusted)
+      << ", \"qValue\": " << formatSignificant(row.qValue) << ", \"verdict\": \""
+      << verdictName(row.verdict) << "\", \"needed\": " << formatOptional(row.needed) << '}';
+}
+
+void writeTotalsJson(std::ostream& out, const ComparisonTotals& totals) {
   out << "{\"slower\": " << totals.slower << ", \"faster\": " << totals.faster
-      << ", \"same\": " << totals.same << ", \"added\": " << totals.added
-      << ", \"removed\": " << totals.removed << '}';
+      << ", \"same\": " << totals.same << ", \"unsure\": " << totals.unsure
+      << ", \"added\": " << totals.added << ", \"removed\": " << totals.removed
+      << ", \"tested\": " << totals.tested << '}';
 }
 
 } // namespace
 
 void writeComparisonTable(std::ostream& out, const Comparison& comparison) {
+  for (const GraphShift& graph : comparison.graphs)
+    writeGraphLine(out, graph, comparison.options);
+  out << '\n';
   std::vector<const ComparisonRow*> order;
   for (const ComparisonRow& row : comparison.rows)
     order.push_back(&row);
   std::stable_sort(order.begin(), order.end(), [](const ComparisonRow* a, const ComparisonRow* b) {
     return tableGroup(a->verdict) < tableGroup(b->verdict);
   });
-  std::vector<std::vector<std::string>> rows{{"verdict", "graph", "series", "name", "parent",
-                                              "occurrence", "base n", "base p50", "new n",
-                                              "new p50", "change %", "p-value"}};
+  std::vector<std::vector<std::string>> rows{
+      {"verdict", "graph", "series", "name", "parent", "occurrence", "base n", "base p50", "new n",
+       "new p50", "change %", "interval %", "p-value", "Holm p", "q", "needed"}};
   for (const ComparisonRow* row : order)
-    rows.push_back({std::string(verdictName(row->verdict)), row->graph,
-                    std::string(seriesKindName(row->kind)), row->name, row->parent.value_or("-"),
-                    orDash(formatOptional(row->occurrence)), std::to_string(row->base.count),
-                    orDash(formatOptional(row->base.p50)), std::to_string(row->next.count),
-                    orDash(formatOptional(row->next.p50)),
-                    orDash(formatFixed(row->changePercent, 1)), orDash(formatPValue(row->pValue))});
+    rows.push_back(
+        {std::string(verdictName(row->verdict)), row->graph, std::string(seriesKindName(row->kind)),
+         row->name, row->parent.value_or("-"), orDash(formatOptional(row->occurrence)),
+         std::to_string(row->base.count), orDash(formatOptional(row->base.p50)),
+         std::to_string(row->next.count), orDash(formatOptional(row->next.p50)),
+         orDash(formatFinite(row->change ? std::optional(row->change->percent) : std::nullopt, 1)),
+         formatInterval(row->change ? row->change->interval : std::nullopt, 1),
+         orDash(formatSignificant(row->pValue)), orDash(formatSignificant(row->pAdjusted)),
+         orDash(formatSignificant(row->qValue)), orDash(formatOptional(row->needed))});
   writeAlignedRows(out, rows, 5, "");
   const ComparisonTotals& totals = comparison.totals;
   out << "\n"
       << totals.slower << " slower, " << totals.faster << " faster, " << totals.same << " same, "
-      << totals.added << " added, " << totals.removed << " removed\n";
+      << totals.unsure << " unsure, " << totals.added << " added, " << totals.removed
+      << " removed; " << totals.tested << " series tested, alpha "
+      << formatSignificant(comparison.options.alpha) << " over all of them (Holm)\n";
 }
 
 void writeComparisonJson(std::ostream& out, const Comparison& comparison,
-                         const std::string& basePath, const std::string& newPath,
-                         double thresholdPercent) {
+                         const std::string& basePath, const std::string& newPath) {
+  const ComparisonOptions& options = comparison.options;
   out << "{\n  \"base\": ";
   writeJsonString(out, basePath);
   out << ",\n  \"new\": ";
   writeJsonString(out, newPath);
-  out << ",\n  \"threshold\": " << formatFixed(thresholdPercent) << ",\n  \"rows\": [";
+  out << ",\n  \"alpha\": " << formatSignificant(options.alpha)
+      << ",\n  \"threshold\": " << formatFinite(options.thresholdPercent)
+      << ",\n  \"minChange\": " << formatFinite(options.minChangeUnits)
+      << ",\n  \"relative\": " << (options.relative ? "true" : "false") << ",\n  \"graphs\": [";
+  for (size_t i = 0; i < comparison.graphs.size(); ++i) {
+    out << (i ? ",\n    " : "\n    ");
+    writeGraphJson(out, comparison.graphs[i]);
+  }
+  out << (comparison.graphs.empty() ? "]" : "\n  ]") << ",\n  \"rows\": [";
   for (size_t i = 0; i < comparison.rows.size(); ++i) {
-    const ComparisonRow& row = comparison.rows[i];
-    out << (i ? ",\n" : "\n") << "    {\"graph\": ";
-    writeJsonString(out, row.graph);
-    out << ", \"series\": \"" << seriesKindName(row.kind) << "\", \"name\": ";
-    writeJsonString(out, row.name);
-    out << ", \"parent\": ";
-    if (row.parent)
-      writeJsonString(out, *row.parent);
-    else
-      out << "null";
-    out << ", \"occurrence\": " << formatOptional(row.occurrence) << ", \"base\": ";
-    writeSide(out, row.base);
-    out << ", \"new\": ";
-    writeSide(out, row.next);
-    out << ", \"changePercent\": " << formatFixed(row.changePercent)
-        << ", \"pValue\": " << formatPValue(row.pValue) << ", \"verdict\": \""
-        << verdictName(row.verdict) << "\"}";
+    out << (i ? ",\n    " : "\n    ");
+    writeRowJson(out, comparison.rows[i]);
   }
   out << (comparison.rows.empty() ? "]" : "\n  ]") << ",\n  \"totals\": ";
-  writeTotals(out, comparison.totals);
+  writeTotalsJson(out, comparison.totals);
   out << "\n}\n";
 }
 

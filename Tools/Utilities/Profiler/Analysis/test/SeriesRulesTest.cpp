@@ -1,10 +1,14 @@
-// The two rules of the statistics that small logs express badly: which value a nearest-rank
-// percentile picks, and the p-value of the rank test on small known samples.
+// The rules of the statistics that small logs express badly: which value a nearest-rank
+// percentile picks, the p-value of the rank test, the shift estimate with its interval and the
+// adjustments for many series, on small known samples.
 #include "comparison/MannWhitney.h"
+#include "comparison/MultipleTesting.h"
+#include "comparison/ShiftEstimate.h"
 #include "statistics/SeriesSummary.h"
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <vector>
 
 namespace kvt::profiling {
@@ -60,6 +64,86 @@ TEST(SeriesRules, RankTestGivesTheNormalApproximationsPValue) {
     SCOPED_TRACE(c.what);
     EXPECT_NEAR(mannWhitneyPValue(c.a, c.b), c.expected, c.expected * 1e-5);
     EXPECT_NEAR(mannWhitneyPValue(c.b, c.a), c.expected, c.expected * 1e-5); // two-sided
+  }
+}
+
+TEST(SeriesRules, ShiftIsTheMedianDifferenceWithOrderStatisticBounds) {
+  struct Case {
+    const char* what;
+    std::vector<uint64_t> base;
+    std::vector<uint64_t> next;
+    double confidence;
+    double shift;
+    std::optional<Interval> interval;
+  };
+  const uint64_t top = UINT64_MAX;
+  const std::vector<uint64_t> tens = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+  const Case cases[] = {
+      {"one value each", {5}, {8}, 0.98, 3, std::nullopt},
+      {"an odd count of differences is its middle one",
+       {1, 2, 3},
+       {11, 12, 13},
+       0.5,
+       10,
+       Interval{9, 11}},
+      {"an even count averages the middle two", {1, 2}, {4, 6}, 0.5, 3.5, Interval{2, 5}},
+      {"ties are differences like any others", {5, 5, 5}, {5, 5, 5}, 0.8, 0, Interval{0, 0}},
+      // n = m = 10: the lower bound is difference 19 of 100, floor(50 - 2.326 x 13.23)
+      {"tens against tens moved by 10",
+       tens,
+       {11, 12, 13, 14, 15, 16, 17, 18, 19, 20},
+       0.98,
+       10,
+       Interval{6, 14}},
+      {"a negative shift",
+       {11, 12, 13, 14, 15, 16, 17, 18, 19, 20},
+       tens,
+       0.98,
+       -10,
+       Interval{-14, -6}},
+      {"differences of the largest values need 65 bits",
+       {0, 1, 2},
+       {top - 2, top - 1, top},
+       0.5,
+       double(top),
+       Interval{double(top - 1), double(top) + 1}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const ShiftEstimate estimate = estimateShift(c.base, c.next, c.confidence);
+    EXPECT_DOUBLE_EQ(estimate.units, c.shift);
+    ASSERT_EQ(estimate.interval.has_value(), c.interval.has_value());
+    if (c.interval) {
+      EXPECT_DOUBLE_EQ(estimate.interval->low, c.interval->low);
+      EXPECT_DOUBLE_EQ(estimate.interval->high, c.interval->high);
+    }
+  }
+}
+
+TEST(SeriesRules, AdjustmentsForManySeriesKeepTheOrderOfTheirPValues) {
+  struct Case {
+    const char* what;
+    std::vector<double> p;
+    std::vector<double> holm;
+    std::vector<double> q;
+  };
+  const Case cases[] = {
+      {"one test is not adjusted", {0.02}, {0.02}, {0.02}},
+      {"Holm multiplies by the tests left, BH divides by the rank",
+       {0.01, 0.04, 0.03},
+       {0.03, 0.06, 0.06},
+       {0.03, 0.04, 0.04}},
+      {"adjusted values never exceed 1", {0.5, 0.9}, {1, 1}, {0.9, 0.9}},
+      {"equal p-values get equal adjustments", {0.01, 0.01}, {0.02, 0.02}, {0.01, 0.01}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const std::vector<double> holm = holmAdjusted(c.p);
+    const std::vector<double> q = benjaminiHochbergQValues(c.p);
+    for (size_t i = 0; i < c.p.size(); ++i) {
+      EXPECT_DOUBLE_EQ(holm[i], c.holm[i]);
+      EXPECT_DOUBLE_EQ(q[i], c.q[i]);
+    }
   }
 }
 

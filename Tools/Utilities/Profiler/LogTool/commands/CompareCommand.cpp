@@ -20,20 +20,20 @@ constexpr int exitSlower = 3; // some series got slower: the regression gate of 
 struct CompareCommandOptions {
   std::string basePath;
   std::string newPath;
-  double thresholdPercent = 5;
+  ComparisonOptions comparison;
   uint64_t skipFirst = 0;
   std::string format = "table";
 };
 
-// A percentage of 0 or more in plain decimal.
-CLI::Validator percentage() {
+// A plain decimal number that accepted() takes, or "needs WHAT, not 'TEXT'".
+template <typename Accepted> CLI::Validator decimal(std::string what, Accepted accepted) {
   return CLI::Validator(
-      [](const std::string& text) -> std::string {
+      [what, accepted](const std::string& text) -> std::string {
         double value = 0;
         const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (status == std::errc() && end == text.data() + text.size() && value >= 0)
+        if (status == std::errc() && end == text.data() + text.size() && accepted(value))
           return {};
-        return "needs a percentage of 0 or more, not '" + text + "'";
+        return "needs " + what + ", not '" + text + "'";
       },
       "");
 }
@@ -52,10 +52,9 @@ int runCompare(const CompareCommandOptions& options, ToolConsole& console) {
       return exitBadInput;
     }
   }
-  const Comparison comparison = compareRuns(base, next, options.thresholdPercent);
+  const Comparison comparison = compareRuns(base, next, options.comparison);
   if (options.format == "json")
-    writeComparisonJson(console.out, comparison, options.basePath, options.newPath,
-                        options.thresholdPercent);
+    writeComparisonJson(console.out, comparison, options.basePath, options.newPath);
   else
     writeComparisonTable(console.out, comparison);
   return comparison.totals.slower ? exitSlower : exitSuccess;
@@ -67,14 +66,19 @@ void addCompareCommand(CLI::App& tool, CommandRun& run) {
   CLI::App* command =
       tool.add_subcommand("compare", "tells which steps got slower or faster, beyond noise");
   command->footer(
-      "Matches graphs by name and their series by key. A series is slower when its new median\n"
-      "exceeds the base median by more than the threshold and a two-sided Mann-Whitney U test\n"
-      "(normal approximation, tie and continuity corrections) gives a p-value below 0.01;\n"
-      "faster likewise the other way; same otherwise; added or removed when only one run has\n"
-      "it. The table lists slower rows first, then faster, then the rest.\n" +
+      "Matches graphs by name and their series by key. For each series: the shift of its values\n"
+      "(Hodges-Lehmann: the median of all differences new - base) in the log's unit and in\n"
+      "percent of the base median, with its (1 - 2 alpha) confidence interval; the p-value of a\n"
+      "two-sided Mann-Whitney U test, adjusted for the number of series tested (Holm), and the\n"
+      "Benjamini-Hochberg q-value. Verdicts: slower (faster) when the adjusted p-value is below\n"
+      "alpha and the shift exceeds the margin (the threshold's share of the base median, and\n"
+      "--min-change); same when the whole interval lies within the margin; unsure otherwise,\n"
+      "with the executions per run that would tell; added or removed when only one run has it.\n"
+      "Each graph's run-wide shift (of its execution duration) heads the table.\n" +
       std::string(statisticsMemoryNote) +
       " Both runs' values are kept at once.\n"
-      "Exit status: 0 no series slower, 3 some slower, 1 unreadable log, 2 wrong command line.");
+      "Exit status: 0 no series slower, 3 some slower (at most alpha by chance), 1 unreadable\n"
+      "log, 2 wrong command line.");
   const auto options = std::make_shared<CompareCommandOptions>();
   command->add_option("BASE", options->basePath, "the log of the base run")
       ->required()
@@ -83,11 +87,27 @@ void addCompareCommand(CLI::App& tool, CommandRun& run) {
       ->required()
       ->check(nonEmpty());
   command
-      ->add_option("--threshold", options->thresholdPercent,
-                   "the change of the median, in percent, up to which a series\n"
-                   "is the same (default 5)")
+      ->add_option("--alpha", options->comparison.alpha,
+                   "the chance that a comparison of equal runs finds some series\n"
+                   "slower (default 0.01)")
+      ->option_text("A")
+      ->check(decimal("a probability above 0 and below 0.5",
+                      [](double value) { return value > 0 && value < 0.5; }));
+  command
+      ->add_option("--threshold", options->comparison.thresholdPercent,
+                   "the change, in percent of the base median, up to which a\n"
+                   "series is the same (default 5)")
       ->option_text("PCT")
-      ->check(percentage());
+      ->check(decimal("a percentage of 0 or more", [](double value) { return value >= 0; }));
+  command
+      ->add_option("--min-change", options->comparison.minChangeUnits,
+                   "the change, in the log's unit, up to which a series is the\n"
+                   "same whatever its percentage (default 0)")
+      ->option_text("UNITS")
+      ->check(decimal("a number of units of 0 or more", [](double value) { return value >= 0; }));
+  command->add_flag("--relative", options->comparison.relative,
+                    "judge steps and back-end records net of each graph's run-wide\n"
+                    "shift (the new values divided by its ratio)");
   command
       ->add_option("--skip-first", options->skipFirst,
                    "leave each graph's first N executions out of both runs")

@@ -10,8 +10,8 @@ def step(name, span, wait):
             f'[ {{ identifier: "wait", event_type: 5001, value_u64: {wait} }} ] }}')
 
 
-def execution(graph, stamp, steps):
-    spans = sum(span + wait for _, span, wait in steps)
+def execution(graph, stamp, steps, spans=None):
+    spans = spans if spans is not None else sum(span + wait for _, span, wait in steps)
     inner = ", ".join(step(*s) for s in steps)
     return (f'    {{ stamp: {{ timestamp: {stamp} }}, method_type: 1, graph_name: "{graph}", '
             f'timing: {{ start: {stamp}, end: {stamp + spans + 100} }}, events: [ '
@@ -68,5 +68,41 @@ def compare_runs():
         write_log(f"compare-200/{name}.json", [comment], executions)
 
 
+def compare_relative():
+    for name, scale, comment in [
+            ("base", 1.0, "The base run: 200 executions of steps A (about 1000), B (about 500) "
+                          "and C (about 300), each with +-10 % of deterministic noise."),
+            ("scaled", 1.08, "As base.json on a machine 8 % slower: every span and wait 8 % "
+                             "longer, so the run-wide shift is +8 % and no step changed beyond it.")]:
+        executions = []
+        for i in range(200):
+            steps = [(step, round((base + noise(i, prime, base // 10)) * scale),
+                      round((20 + noise(i, 31, 5)) * scale))
+                     for step, base, prime in [("A", 1000, 7919), ("B", 500, 104729),
+                                               ("C", 300, 15485863)]]
+            executions.append(execution("model", 10000 * (i + 1), steps))
+        write_log(f"compare-relative/{name}.json", [comment], executions)
+
+
+def compare_edges():
+    top = 2**64 - 1
+    for name, comment in [
+            ("base", "Edges of the comparison, 30 executions: in graph zero the step Idle spans "
+                     "0 (a base median of 0, so no percentage); in graph huge the step Huge spans "
+                     "within 100 of 2^64 - 1; in graph tied every value is 7."),
+            ("new", "As base.json, but Idle spans 5 and Huge 50 less.")]:
+        executions = []
+        shift = 0 if name == "base" else 1
+        for i in range(30):
+            stamp = 1000 * (i + 1)
+            executions.append(execution("zero", stamp, [("Idle", 5 * shift, 0)], spans=100))
+            executions.append(execution("huge", stamp + 300, [
+                ("Huge", top - 60 - 50 * shift + noise(i, 7, 40), 0)], spans=100))
+            executions.append(execution("tied", stamp + 600, [("Same", 7, 7)], spans=7))
+        write_log(f"compare-edges/{name}.json", [comment], executions)
+
+
 percentiles()
 compare_runs()
+compare_relative()
+compare_edges()
