@@ -118,7 +118,7 @@ private:
     if (!csv)
       return false;
     printTarget("CSV reader", *csv, logBytes, *floor);
-<<<<<<< HEAD
+    printComparisonNote(comparison);
     return measureTables(log.path, logBytes, *floor, *stats);
   }
 
@@ -145,9 +145,6 @@ private:
       return false;
     }
     printFrame(*frame, logBytes, floor, stats);
-=======
-    printComparisonNote(comparison);
->>>>>>> main
     return true;
   }
 

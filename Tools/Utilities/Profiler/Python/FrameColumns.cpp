@@ -20,7 +20,7 @@ py::object makeCategorical(py::array codes, const std::vector<std::string>& cate
       .attr("from_codes")(codes, py::arg("categories") = names);
 }
 
-py::object makeNullableIntegers(py::array_t<int64_t> values, py::array_t<bool> missing) {
+py::object makeNullableIntegers(py::array_t<uint64_t> values, py::array_t<bool> missing) {
   return py::module_::import("pandas").attr("arrays").attr("IntegerArray")(values, missing);
 }
 

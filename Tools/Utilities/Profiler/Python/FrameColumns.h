@@ -24,8 +24,8 @@ py::str decodeText(std::string_view text);
 // A categorical of codes into categories; code -1 is a missing value.
 py::object makeCategorical(py::array codes, const std::vector<std::string>& categories);
 
-// An Int64 column (pandas' nullable integers) of values, none where missing is true.
-py::object makeNullableIntegers(py::array_t<int64_t> values, py::array_t<bool> missing);
+// A UInt64 column (pandas' nullable integers) of values, none where missing is true.
+py::object makeNullableIntegers(py::array_t<uint64_t> values, py::array_t<bool> missing);
 
 // A categorical of text(row) over rows, categories in order of first appearance; text returns
 // an optional string_view, none for a missing value.
@@ -67,16 +67,16 @@ py::array_t<double> optionalDoubleColumn(const std::vector<Row>& rows, Number nu
   });
 }
 
-// An Int64 column, missing where number(row) gives none.
+// A UInt64 column, missing where number(row) gives none.
 template <typename Row, typename Number>
 py::object optionalIntegerColumn(const std::vector<Row>& rows, Number number) {
-  py::array_t<int64_t> values(py::ssize_t(rows.size()));
+  py::array_t<uint64_t> values(py::ssize_t(rows.size()));
   py::array_t<bool> missing(py::ssize_t(rows.size()));
-  int64_t* value = values.mutable_data();
+  uint64_t* value = values.mutable_data();
   bool* absent = missing.mutable_data();
   for (const Row& row : rows) {
     const std::optional<uint64_t> figure = number(row);
-    *value++ = figure ? int64_t(*figure) : 0;
+    *value++ = figure.value_or(0);
     *absent++ = !figure;
   }
   return makeNullableIntegers(values, missing);

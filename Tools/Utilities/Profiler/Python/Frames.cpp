@@ -34,16 +34,16 @@ py::object categoricalColumn(ChunkedColumn<Value>& codes, const std::vector<std:
   return makeCategorical(moveColumn<int32_t>(codes), names);
 }
 
-py::object occurrenceColumn(ChunkedColumn<int64_t>& occurrence) {
-  py::array_t<int64_t> values = moveColumn<int64_t>(occurrence);
+py::object occurrenceColumn(ChunkedColumn<uint64_t>& occurrence) {
+  py::array_t<uint64_t> values = moveColumn<uint64_t>(occurrence);
   py::array_t<bool> missing(values.size());
-  int64_t* value = values.mutable_data();
+  uint64_t* value = values.mutable_data();
   bool* absent = missing.mutable_data();
   const py::ssize_t rows = values.size();
   {
     const py::gil_scoped_release released;
     for (py::ssize_t i = 0; i < rows; ++i) {
-      absent[i] = value[i] == ExecutionColumns::noCode;
+      absent[i] = value[i] == ExecutionColumns::noOccurrence;
       if (absent[i])
         value[i] = 0;
     }
@@ -110,6 +110,86 @@ py::object makeStatsFrame(const RunStatistics& run) {
        {"max", optionalIntegerColumn(rows, integer(&SeriesSummary::max))},
        {"first", optionalIntegerColumn(rows, [](const Row& row) { return row.summary.first; })},
        {"share", optionalDoubleColumn(rows, [](const Row& row) { return row.share; })}});
+}
+
+py::object makeComparisonFrame(const Comparison& comparison) {
+  const std::vector<ComparisonRow>& rows = comparison.rows;
+  using Row = ComparisonRow;
+  auto interval = [](double Interval::*end) {
+    return [end](const Row& row) -> std::optional<double> {
+      if (!row.change || !row.change->interval)
+        return std::nullopt;
+      return (*row.change->interval).*end;
+    };
+  };
+  return makeFrame(
+      {{"graph",
+        textColumn(rows,
+                   [](const Row& row) { return std::optional<std::string_view>(row.graph); })},
+       {"series",
+        textColumn(rows, [](const Row& row) { return std::optional(seriesKindName(row.kind)); })},
+       {"name",
+        textColumn(rows, [](const Row& row) { return std::optional<std::string_view>(row.name); })},
+       {"parent",
+        textColumn(rows,
+                   [](const Row& row) -> std::optional<std::string_view> { return row.parent; })},
+       {"occurrence", optionalIntegerColumn(rows, [](const Row& row) { return row.occurrence; })},
+       {"base_count", numberColumn<int64_t>(rows, [](const Row& row) { return row.base.count; })},
+       {"base_p50", optionalIntegerColumn(rows, [](const Row& row) { return row.base.p50; })},
+       {"new_count", numberColumn<int64_t>(rows, [](const Row& row) { return row.next.count; })},
+       {"new_p50", optionalIntegerColumn(rows, [](const Row& row) { return row.next.p50; })},
+       {"shift", optionalDoubleColumn(rows,
+                                      [](const Row& row) {
+                                        return row.shift ? std::optional(row.shift->units)
+                                                         : std::nullopt;
+                                      })},
+       {"changePercent", optionalDoubleColumn(rows,
+                                              [](const Row& row) {
+                                                return row.change
+                                                           ? std::optional(row.change->percent)
+                                                           : std::nullopt;
+                                              })},
+       {"interval_low", optionalDoubleColumn(rows, interval(&Interval::low))},
+       {"interval_high", optionalDoubleColumn(rows, interval(&Interval::high))},
+       {"pValue", optionalDoubleColumn(rows, [](const Row& row) { return row.pValue; })},
+       {"pAdjusted", optionalDoubleColumn(rows, [](const Row& row) { return row.pAdjusted; })},
+       {"qValue", optionalDoubleColumn(rows, [](const Row& row) { return row.qValue; })},
+       {"verdict",
+        textColumn(rows, [](const Row& row) { return std::optional(verdictName(row.verdict)); })},
+       {"needed", optionalIntegerColumn(rows, [](const Row& row) { return row.needed; })}});
+}
+
+py::list describeGraphShifts(const Comparison& comparison) {
+  auto orNone = [](std::optional<double> value) -> py::object {
+    return value ? py::object(py::float_(*value)) : py::object(py::none());
+  };
+  py::list graphs;
+  for (const GraphShift& graph : comparison.graphs) {
+    const Interval* interval =
+        graph.change && graph.change->interval ? &*graph.change->interval : nullptr;
+    py::dict shift;
+    shift["name"] = decodeText(graph.name);
+    shift["shift"] = orNone(graph.shift ? std::optional(graph.shift->units) : std::nullopt);
+    shift["changePercent"] =
+        orNone(graph.change ? std::optional(graph.change->percent) : std::nullopt);
+    shift["interval_low"] = orNone(interval ? std::optional(interval->low) : std::nullopt);
+    shift["interval_high"] = orNone(interval ? std::optional(interval->high) : std::nullopt);
+    shift["ratio"] = graph.ratio;
+    graphs.append(shift);
+  }
+  return graphs;
+}
+
+py::dict describeTotals(const ComparisonTotals& totals) {
+  py::dict described;
+  described["slower"] = totals.slower;
+  described["faster"] = totals.faster;
+  described["same"] = totals.same;
+  described["unsure"] = totals.unsure;
+  described["added"] = totals.added;
+  described["removed"] = totals.removed;
+  described["tested"] = totals.tested;
+  return described;
 }
 
 } // namespace kvt::profiling

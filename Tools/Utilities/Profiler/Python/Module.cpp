@@ -86,6 +86,51 @@ py::object readStats(const Path& path, int64_t skipFirst, int64_t visibility) {
   return frame;
 }
 
+// The rules of the command line's options, with its words.
+ComparisonOptions readComparisonOptions(double alpha, double threshold, double minChange,
+                                        bool relative) {
+  auto refuse = [](const std::string& name, const std::string& what, double value) {
+    throw py::value_error(name + " needs " + what + ", not " +
+                          py::repr(py::float_(value)).cast<std::string>());
+  };
+  if (!(alpha > 0 && alpha < 0.5))
+    refuse("alpha", "a probability above 0 and below 0.5", alpha);
+  if (!(threshold >= 0))
+    refuse("threshold", "a percentage of 0 or more", threshold);
+  if (!(minChange >= 0))
+    refuse("min_change", "a number of units of 0 or more", minChange);
+  return ComparisonOptions{alpha, threshold, minChange, relative};
+}
+
+py::object readComparison(const Path& basePath, const Path& newPath, double alpha, double threshold,
+                          double minChange, bool relative, int64_t skipFirst) {
+  const ComparisonOptions comparisonOptions =
+      readComparisonOptions(alpha, threshold, minChange, relative);
+  StatisticsOptions options;
+  options.skipFirst = readSkipFirst(skipFirst);
+  const RunStatistics base = readStatistics(basePath, options);
+  const RunStatistics next = readStatistics(newPath, options);
+  Comparison comparison;
+  {
+    const py::gil_scoped_release released;
+    comparison = compareRuns(base, next, comparisonOptions);
+  }
+  py::object frame = makeComparisonFrame(comparison);
+  py::dict attrs;
+  attrs["base"] = decodeText(basePath.string());
+  attrs["new"] = decodeText(newPath.string());
+  attrs["unit"] = logUnit;
+  attrs["alpha"] = alpha;
+  attrs["threshold"] = threshold;
+  attrs["minChange"] = minChange;
+  attrs["relative"] = relative;
+  attrs["skipFirst"] = options.skipFirst;
+  attrs["graphs"] = describeGraphShifts(comparison);
+  attrs["totals"] = describeTotals(comparison.totals);
+  frame.attr("attrs") = attrs;
+  return frame;
+}
+
 // Sends std::cout to another stream for its lifetime.
 class StandardOutputCapture {
 public:
@@ -148,7 +193,7 @@ Columns:
   series      category: "duration", "queueWait", "backend", "span" or "wait"
   parent      category: the top-level record a step runs under; missing but for span, wait
   name        category: the record's or step's identifier; the series for duration, queueWait
-  occurrence  Int64: the k-th record of that name (under that parent) in one execution, from 0;
+  occurrence  UInt64: the k-th record of that name (under that parent) in one execution, from 0;
               missing for duration and queueWait
   value       uint64: in the log's unit
 
@@ -176,6 +221,32 @@ only when every counted execution had exactly one.
 
 attrs: log, unit, skipFirst, visibility, executions (counted, by graph).
 Raises LogError, FileNotFoundError, ValueError as executions() does.)");
+
+  module.def("compare", &readComparison, py::arg("base"), py::arg("new"), py::kw_only(),
+             py::arg("alpha") = 0.01, py::arg("threshold") = 5.0, py::arg("min_change") = 0.0,
+             py::arg("relative") = false, py::arg("skip_first") = 0,
+             R"(Which series got slower or faster between two runs, as `kvt-profile-log compare`
+judges them, a row per series (base graphs and series in their order, then what new adds).
+
+Columns, those of `compare --format json` with its nested values flat:
+  graph, series, name, parent, occurrence   the series' key, as in executions()
+  base_count, base_p50, new_count, new_p50  each run's counted values and median ("base" and
+                                            "new" in JSON)
+  shift          the Hodges-Lehmann shift, new - base, in the log's unit
+  changePercent  the shift in percent of the base median
+  interval_low, interval_high  its (1 - 2 alpha) interval, in percent ("interval" in JSON)
+  pValue, pAdjusted (Holm), qValue (Benjamini-Hochberg)
+  verdict        "slower", "faster", "same", "unsure", "added" or "removed"
+  needed         unsure rows: the executions per run that would tell
+Missing where JSON has null.
+
+attrs: base, new, unit, alpha, threshold, minChange, relative, skipFirst, graphs (each graph's
+run-wide shift: name, shift, changePercent, interval_low, interval_high, ratio) and totals
+(slower, faster, same, unsure, added, removed, tested).
+
+alpha (above 0, below 0.5), threshold (percent), min_change (log units) and relative are the
+command's --alpha, --threshold, --min-change and --relative. Raises LogError with the reader's
+message, FileNotFoundError and ValueError as executions() does.)");
 
   module.def(
       "summary", [](const Path& path) { return runReader<KvtProfileLogReader>(path, ""); },

@@ -17,6 +17,13 @@ def executions(path: _Path, *, visibility: int = 127, skip_first: int = 0) -> pa
 def stats(path: _Path, *, skip_first: int = 0, visibility: int = 127) -> pandas.DataFrame:
     """Each series' figures, a row per series, as `kvt-profile-log stats` gives them."""
 
+def compare(base: _Path, new: _Path, *, alpha: float = 0.01, threshold: float = 5.0,
+            min_change: float = 0.0, relative: bool = False,
+            skip_first: int = 0) -> pandas.DataFrame:
+    """Which series got slower or faster between two runs, a row per series, with the columns of
+    `kvt-profile-log compare --format json` (base_count, base_p50, new_count, new_p50,
+    interval_low, interval_high flat); graphs and totals in attrs."""
+
 def summary(path: _Path) -> str:
     """The reader's statistics summary of the log, as the viewer prints it."""
 

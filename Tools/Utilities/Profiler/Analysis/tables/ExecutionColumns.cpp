@@ -23,7 +23,7 @@ void ExecutionColumnBuilder::append(const ExecutionRows& rows, const ExecutionKe
       codes.parent = int32_t(findCode(parentCodes, columns.parents, *key.parent));
     codes.name = findCode(nameCodes, columns.names, key.name);
     if (key.occurrence)
-      codes.occurrence = int64_t(*key.occurrence);
+      codes.occurrence = *key.occurrence;
     seriesCodes.push_back(codes);
   }
   for (const ExecutionValue& value : rows.values) {

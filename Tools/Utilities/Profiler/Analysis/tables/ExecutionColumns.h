@@ -13,9 +13,11 @@
 namespace kvt::profiling {
 
 // One entry per row in every column, rows in the order ExecutionRows lists them. A code is an
-// index into its list of categories; noCode marks a missing parent or occurrence.
+// index into its list of categories; noCode marks a missing parent, noOccurrence a missing
+// occurrence.
 struct ExecutionColumns {
-  static constexpr int64_t noCode = -1;
+  static constexpr int32_t noCode = -1;
+  static constexpr uint64_t noOccurrence = UINT64_MAX; // no execution holds 2^64 records
 
   std::vector<std::string> graphs;  // the graph column's categories, in order of appearance
   std::vector<std::string> parents; // the parent column's
@@ -25,7 +27,7 @@ struct ExecutionColumns {
   ChunkedColumn<uint8_t> series; // a SeriesKind; its categories are seriesKindName's, in order
   ChunkedColumn<int32_t> parent;
   ChunkedColumn<uint32_t> name;
-  ChunkedColumn<int64_t> occurrence;
+  ChunkedColumn<uint64_t> occurrence;
   ChunkedColumn<uint64_t> value;
 
   size_t rows() const { return value.size(); }
@@ -41,9 +43,9 @@ public:
 private:
   struct SeriesCodes {
     uint8_t kind = 0;
-    int32_t parent = int32_t(ExecutionColumns::noCode);
+    int32_t parent = ExecutionColumns::noCode;
     uint32_t name = 0;
-    int64_t occurrence = ExecutionColumns::noCode;
+    uint64_t occurrence = ExecutionColumns::noOccurrence;
   };
   uint32_t findCode(std::unordered_map<std::string, uint32_t>& codes,
                     std::vector<std::string>& categories, const std::string& text);

@@ -15,8 +15,5 @@ def golden_dir():
     return pathlib.Path(os.environ["KVT_TOOL_GOLDEN_DIR"])
 
 
-def golden_logs():
-    """Every log built from a golden case's JSON, as (case/name, path of the log)."""
-    log_dir = pathlib.Path(os.environ["KVT_TOOL_LOG_DIR"])
-    return [(f"{json.parent.name}/{json.stem}", log_dir / json.parent.name / f"{json.stem}.log")
-            for json in sorted(golden_dir().glob("*/*.json"))]
+LOG_DIR = pathlib.Path(os.environ["KVT_TOOL_LOG_DIR"])
+
