@@ -7,11 +7,24 @@
 
 #include <cstdint>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 namespace kvt::profiling {
 
 namespace {
 
 constexpr int seriesKinds = 5; // SeriesKind's values, duration to wait
+
+// The chunks of a column come from the heap once the reader's buffers have raised the C library's
+// threshold for mapping large blocks, and freeing them would not shrink the process: the table
+// would stay resident beside the frame.
+void returnFreedMemory() {
+#if defined(__GLIBC__)
+  malloc_trim(0);
+#endif
+}
 
 template <typename Out, typename Value> py::array_t<Out> moveColumn(ChunkedColumn<Value>& column) {
   py::array_t<Out> array(py::ssize_t(column.size()));
@@ -19,6 +32,7 @@ template <typename Out, typename Value> py::array_t<Out> moveColumn(ChunkedColum
   {
     const py::gil_scoped_release released;
     column.moveInto(out);
+    returnFreedMemory();
   }
   return array;
 }

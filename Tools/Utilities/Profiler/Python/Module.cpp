@@ -206,7 +206,8 @@ first executions out. Raises LogError with the reader's message when the reader 
 Example: the p99 of each step's span, slowest first:
   df = kvtprofile.executions("run.log", skip_first=1)
   spans = df[df.series == "span"]
-  spans.groupby(["graph", "parent", "name", "occurrence"], observed=True).value.quantile(0.99))");
+  keys = ["graph", "parent", "name", "occurrence"]
+  spans.groupby(keys, observed=True).value.quantile(0.99).sort_values(ascending=False))");
 
   module.def("stats", &readStats, py::arg("path"), py::kw_only(), py::arg("skip_first") = 0,
              py::arg("visibility") = 127,
