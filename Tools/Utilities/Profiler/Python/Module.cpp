@@ -177,7 +177,8 @@ PYBIND11_MODULE(kvtprofile, module) {
   // first call.
   py::module_::import("pandas");
   catchReaderMessages();
-  py::register_exception<LogFailure>(module, "LogError");
+  py::register_exception<LogFailure>(module, "LogError").attr("__doc__") =
+      "The reader refused the log; the message is the reader's own.";
 
   module.def("executions", &readExecutions, py::arg("path"), py::kw_only(),
              py::arg("visibility") = 127, py::arg("skip_first") = 0,
