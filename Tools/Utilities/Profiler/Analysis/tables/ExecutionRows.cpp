@@ -11,9 +11,9 @@
 
 namespace kvt::profiling {
 
-uint32_t ExecutionRowSplitter::findSeries(const GraphState& graph, OccurrenceIndex& index,
-                                          SeriesKind kind, std::string_view parent,
-                                          std::string_view name) {
+size_t ExecutionRowSplitter::findSeries(const GraphState& graph, OccurrenceIndex& index,
+                                        SeriesKind kind, std::string_view parent,
+                                        std::string_view name) {
   const OccurrenceIndex::Slot slot = index.next(parent, name);
   if (slot.series == OccurrenceIndex::noSeries) {
     slot.series = known.series.size();
@@ -22,25 +22,25 @@ uint32_t ExecutionRowSplitter::findSeries(const GraphState& graph, OccurrenceInd
          kind == SeriesKind::backend ? std::nullopt : std::optional<std::string>(parent),
          slot.occurrence});
   }
-  return uint32_t(slot.series);
+  return slot.series;
 }
 
-uint32_t ExecutionRowSplitter::findGraphSeries(std::optional<uint32_t>& series, uint32_t graph,
-                                               SeriesKind kind) {
+size_t ExecutionRowSplitter::findGraphSeries(std::optional<size_t>& series, uint32_t graph,
+                                             SeriesKind kind) {
   if (!series) {
-    series = uint32_t(known.series.size());
+    series = known.series.size();
     known.series.push_back({graph, kind, std::string(seriesKindName(kind)), {}, {}});
   }
   return *series;
 }
 
-uint32_t ExecutionRowSplitter::findWaitSeries(uint32_t span) {
+size_t ExecutionRowSplitter::findWaitSeries(size_t span) {
   if (waitBySpan.size() <= span)
     waitBySpan.resize(span + 1);
   if (!waitBySpan[span]) {
     ExecutionSeriesKey wait = known.series[span];
     wait.kind = SeriesKind::wait;
-    waitBySpan[span] = uint32_t(known.series.size());
+    waitBySpan[span] = known.series.size();
     known.series.push_back(std::move(wait));
   }
   return *waitBySpan[span];
@@ -57,7 +57,7 @@ void ExecutionRowSplitter::splitRecord(GraphState& graph, const schema::Event& r
     if (child->event_type() != executionStep)
       continue;
     const std::string_view name = readIdentifier(*child);
-    const uint32_t span = findSeries(graph, graph.stepIndex, SeriesKind::span, parent, name);
+    const size_t span = findSeries(graph, graph.stepIndex, SeriesKind::span, parent, name);
     values.push_back({span, readTaggedValue(*child).payload});
     if (const std::optional<uint64_t> wait = findLastWait(*child))
       values.push_back({findWaitSeries(span), *wait});

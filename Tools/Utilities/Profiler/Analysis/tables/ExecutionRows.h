@@ -34,7 +34,7 @@ struct ExecutionKeys {
 };
 
 struct ExecutionValue {
-  uint32_t series = 0; // index into ExecutionKeys::series
+  size_t series = 0; // index into ExecutionKeys::series
   uint64_t value = 0;
 };
 
@@ -62,22 +62,22 @@ private:
   struct GraphState {
     uint32_t index = 0;
     uint64_t executions = 0;
-    std::optional<uint32_t> durationSeries;
-    std::optional<uint32_t> queueWaitSeries;
+    std::optional<size_t> durationSeries;
+    std::optional<size_t> queueWaitSeries;
     OccurrenceIndex backendIndex;
     OccurrenceIndex stepIndex;
   };
-  uint32_t findSeries(const GraphState& graph, OccurrenceIndex& index, SeriesKind kind,
-                      std::string_view parent, std::string_view name);
-  uint32_t findGraphSeries(std::optional<uint32_t>& series, uint32_t graph, SeriesKind kind);
+  size_t findSeries(const GraphState& graph, OccurrenceIndex& index, SeriesKind kind,
+                    std::string_view parent, std::string_view name);
+  size_t findGraphSeries(std::optional<size_t>& series, uint32_t graph, SeriesKind kind);
   // The wait series of a step's span series, made when its first wait is met.
-  uint32_t findWaitSeries(uint32_t span);
+  size_t findWaitSeries(size_t span);
   void splitRecord(GraphState& graph, const schema::Event& record);
 
   uint64_t skipFirst = 0;
   ExecutionKeys known;
   GraphMap<GraphState> graphs;
-  std::vector<std::optional<uint32_t>> waitBySpan; // by series index
+  std::vector<std::optional<size_t>> waitBySpan; // by series index
   std::vector<ExecutionValue> values;
 };
 
