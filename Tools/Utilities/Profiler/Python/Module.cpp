@@ -48,12 +48,10 @@ py::object readExecutions(const Path& path, int64_t visibility, int64_t skipFirs
   const ExecutionRowOptions options{readVisibility(visibility), readSkipFirst(skipFirst)};
   requireExistingFile(path);
   ExecutionColumns columns;
-  bool read = false;
   {
     const py::gil_scoped_release released;
     clearReaderMessages();
-    read = readExecutionColumns(path.string(), options, columns);
-    if (!read)
+    if (!readExecutionColumns(path.string(), options, columns))
       throwReaderFailure("cannot read the log " + path.string());
   }
   py::object frame = makeExecutionsFrame(columns);
