@@ -10,11 +10,12 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
   app.description(
       "Synthesises profiling logs with kvt-profile-log and measures, each run in a process of its\n"
       "own: the floor (every chunk read and verified, every field read once), the trace reader\n"
-      "and the CSV reader, loaded from their shared libraries as the viewer loads them, and the\n"
-      "statistics pass of kvt-profile-log stats; then both readers on one graph with 10x, 100x\n"
-      "and 1000x the executions, and the trace reader on one step level of 10,000 distinct\n"
-      "identifiers; and compare's false-alarm rate and power over seeded pairs of synthesised\n"
-      "runs. The figures go to the standard output.\n");
+      "and the CSV reader, loaded from their shared libraries as the viewer loads them, the\n"
+      "statistics pass of kvt-profile-log stats and compare, the CSV export of kvt-profile-log\n"
+      "executions and the frame of kvtprofile.executions in Python; then both readers on one\n"
+      "graph with 10x, 100x and 1000x the executions, and the trace reader on one step level of\n"
+      "10,000 distinct identifiers; and compare's false-alarm rate and power over seeded pairs\n"
+      "of synthesised runs. The figures go to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",

@@ -19,5 +19,6 @@ void addBuildCommand(CLI::App& tool, CommandRun& run);
 void addSynthCommand(CLI::App& tool, CommandRun& run);
 void addStatsCommand(CLI::App& tool, CommandRun& run);
 void addCompareCommand(CLI::App& tool, CommandRun& run);
+void addExecutionsCommand(CLI::App& tool, CommandRun& run);
 
 } // namespace kvt::profiling
