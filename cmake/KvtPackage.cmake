@@ -1,6 +1,6 @@
 # The Debian package, made by `cpack -G DEB` in the build folder: kvt-profiler_<version>_<arch>.deb
 # with the viewer and the log tool, the reader libraries where the viewer looks for them, the
-# README, and a manual page per program made from its --help (and its commands' --help). Its
+# Python module kvtprofile where Debian's Python finds it, the README, and a manual page per program made from its --help (and its commands' --help). Its
 # dependencies are computed from the binaries (dpkg-shlibdeps).
 if(NOT CMAKE_CROSSCOMPILING)
   find_program(KVT_HELP2MAN help2man REQUIRED)
@@ -35,9 +35,14 @@ if(NOT CMAKE_CROSSCOMPILING)
   install(FILES ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
   if(KVT_BUILD_TESTS)
+    # With the Python module, the test also imports it from the package with Debian's Python.
+    set(package_python)
+    if(TARGET kvtprofile)
+      set(package_python ${KVT_PYTHON})
+    endif()
     add_test(NAME DebianPackage.InstallsAndRuns
              COMMAND bash ${CMAKE_CURRENT_LIST_DIR}/test-package.sh ${CMAKE_BINARY_DIR}
-                     ${PROJECT_VERSION})
+                     ${PROJECT_VERSION} ${package_python})
     set_tests_properties(DebianPackage.InstallsAndRuns PROPERTIES TIMEOUT 300)
   endif()
 endif()
@@ -53,4 +58,9 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The Python module's needs, which its binary does not name; the computed ones are added.
+if(TARGET kvtprofile)
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS
+      "python3 (>= 3.11), python3 (<< 3.12), python3-numpy, python3-pandas")
+endif()
 include(CPack)

@@ -31,7 +31,7 @@ cross_build_and_test() { # build-dir toolchain-file
 
 stage "release build and tests"
 # The report page's test drives a real browser with Debian's own python3.
-bash scripts/setup.sh chromium chromium-driver python3-selenium python3-pytest
+bash scripts/setup.sh chromium chromium-driver python3-selenium
 bash scripts/build.sh
 ctest --test-dir build --output-on-failure --parallel "$jobs"
 ((quick)) && exit 0

@@ -3,7 +3,8 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ libflatbuffers-dev flatbuffers-compiler rapidjson-dev
-          googletest libgtest-dev libcli11-dev help2man dpkg-dev file)
+          googletest libgtest-dev libcli11-dev help2man dpkg-dev file
+          pybind11-dev python3-dev python3-pandas python3-pytest)
 packages+=("$@") # extra packages a caller needs (sanitizer runtimes, valgrind, ...)
 
 missing=()

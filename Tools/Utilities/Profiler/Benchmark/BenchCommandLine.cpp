@@ -10,12 +10,13 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
   app.description(
       "Synthesises profiling logs with kvt-profile-log and measures, each run in a process of its\n"
       "own: the floor (every chunk read and verified, every field read once), the trace reader\n"
-      "and the CSV reader, loaded from their shared libraries as the viewer loads them, and the\n"
-      "statistics pass of kvt-profile-log stats and the page of kvt-profile-log report (its size\n"
-      "and its time against stats); then both readers on one graph with 10x, 100x and 1000x the\n"
-      "executions, and the trace reader on one step level of 10,000 distinct identifiers; and\n"
-      "compare's false-alarm rate and power over seeded pairs of synthesised runs. The figures go\n"
-      "to the standard output.\n");
+      "and the CSV reader, loaded from their shared libraries as the viewer loads them, the\n"
+      "statistics pass of kvt-profile-log stats and compare, the page of kvt-profile-log report\n"
+      "(its size and its time against stats), the CSV export of kvt-profile-log executions and\n"
+      "the frame of kvtprofile.executions in Python; then both readers on one graph with 10x,\n"
+      "100x and 1000x the executions, and the trace reader on one step level of 10,000 distinct\n"
+      "identifiers; and compare's false-alarm rate and power over seeded pairs of synthesised\n"
+      "runs. The figures go to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",

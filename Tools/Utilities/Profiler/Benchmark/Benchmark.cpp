@@ -127,8 +127,36 @@ private:
     if (!csv)
       return false;
     printTarget("CSV reader", *csv, logBytes, *floor);
+    if (!measureTables(log.path, logBytes, *floor, *stats))
+      return false;
     printReportPage(pageSize, *report, *stats);
     printComparisonNote(comparison);
+    return true;
+  }
+
+  // The long table of executions: the CSV export and the Python frame (TableTargets.h).
+  bool measureTables(const std::string& logPath, uint64_t logBytes, const Measured& floor,
+                     const Measured& stats) {
+    const std::string rows = dir.file("executions.csv");
+    const std::optional<Measured> exported = measureBest(
+        options.csvRuns, [&](std::string&) { return exportExecutionsCsv(logPath, rows); },
+        [&](const std::string&) {
+          std::error_code ignored;
+          fs::remove(rows, ignored);
+        });
+    if (!exported)
+      return false;
+    printTarget("executions CSV", *exported, logBytes, floor);
+    if (tools.python.python.empty()) {
+      printFrameSkipped();
+      return true;
+    }
+    const std::optional<FrameMeasured> frame = measureFrame(tools.python, logPath);
+    if (!frame) {
+      std::fprintf(stderr, "kvt-profile-bench: the Python frame could not be measured\n");
+      return false;
+    }
+    printFrame(*frame, logBytes, floor, stats);
     return true;
   }
 

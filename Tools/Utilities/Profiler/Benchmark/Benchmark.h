@@ -3,6 +3,7 @@
 #pragma once
 
 #include "BenchOptions.h"
+#include "TableTargets.h"
 
 #include <string>
 
@@ -13,6 +14,7 @@ struct BenchTools {
   std::string logTool;      // kvt-profile-log
   std::string traceLibrary; // the trace reader's shared library
   std::string csvLibrary;   // the CSV reader's shared library
+  PythonModule python;
 };
 
 // Returns the process exit status: 0 when every measurement succeeded.

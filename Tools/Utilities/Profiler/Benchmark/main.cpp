@@ -13,5 +13,8 @@ int main(int argc, char** argv) {
   if (const std::optional<int> status =
           parseCommandLine(app, {argv + 1, argv + argc}, std::cout, std::cerr))
     return *status;
-  return runBenchmark(options, {KVT_LOG_TOOL, KVT_TRACE_READER_LIBRARY, KVT_CSV_READER_LIBRARY});
+  return runBenchmark(options, {KVT_LOG_TOOL,
+                                KVT_TRACE_READER_LIBRARY,
+                                KVT_CSV_READER_LIBRARY,
+                                {KVT_PYTHON, KVT_PYTHON_MODULE_DIR}});
 }

@@ -2,6 +2,7 @@
 // step's span and wait go to their series; the execution itself is not kept.
 #include "StatisticsCollector.h"
 
+#include "StepWait.h"
 #include "log/LogCodes.h"
 #include "model/EventBuilder.h"
 
@@ -30,16 +31,6 @@ struct ExecutionPlace {
 
 uint64_t readValue(const schema::Event& event) {
   return readTaggedValue(event).payload;
-}
-
-// The value of the step's last wait child, as the trace takes it; none without one.
-std::optional<uint64_t> findLastWait(const schema::Event& step) {
-  std::optional<uint64_t> wait;
-  if (const EventVector* children = step.child_events())
-    for (const schema::Event* child : *children)
-      if (child->event_type() == stepWait)
-        wait = readValue(*child);
-  return wait;
 }
 
 void recordBackend(GraphStatistics& graph, OccurrenceIndex& index, const schema::Event& record,

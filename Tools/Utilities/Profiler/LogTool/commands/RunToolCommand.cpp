@@ -21,6 +21,7 @@ int runToolCommand(const std::vector<std::string>& args, ToolConsole& console) {
   addStatsCommand(tool, run);
   addCompareCommand(tool, run);
   addReportCommand(tool, run);
+  addExecutionsCommand(tool, run);
   if (const std::optional<int> status = parseCommandLine(tool, args, console.out, console.err))
     return *status;
   return run.exitCode;

@@ -20,5 +20,6 @@ void addSynthCommand(CLI::App& tool, CommandRun& run);
 void addStatsCommand(CLI::App& tool, CommandRun& run);
 void addCompareCommand(CLI::App& tool, CommandRun& run);
 void addReportCommand(CLI::App& tool, CommandRun& run);
+void addExecutionsCommand(CLI::App& tool, CommandRun& run);
 
 } // namespace kvt::profiling

@@ -37,9 +37,14 @@ bool ChunkFileWriter::writeChunk(std::span<const uint8_t> buffer) {
   const auto size = uint32_t(buffer.size());
   const uint8_t prefix[4] = {uint8_t(size), uint8_t(size >> 8), uint8_t(size >> 16),
                              uint8_t(size >> 24)};
-  failed = std::fwrite(prefix, 1, sizeof prefix, file) != sizeof prefix ||
-           std::fwrite(buffer.data(), 1, buffer.size(), file) != buffer.size();
-  writtenBytes += sizeof prefix + buffer.size();
+  return writeBytes(prefix) && writeBytes(buffer);
+}
+
+bool ChunkFileWriter::writeBytes(std::span<const uint8_t> bytes) {
+  if (!file || failed)
+    return false;
+  failed = std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size();
+  writtenBytes += bytes.size();
   return !failed;
 }
 

@@ -1,4 +1,5 @@
-// Writes a log file chunk by chunk: each buffer after its 4-byte little-endian size.
+// Writes a log file chunk by chunk, each buffer after its 4-byte little-endian size, or any other
+// file that must appear only once complete.
 #pragma once
 
 #include <cstdint>
@@ -25,6 +26,8 @@ public:
 
   // Appends one chunk; false once any write has failed. The buffer must be smaller than 4 GiB.
   bool writeChunk(std::span<const uint8_t> buffer);
+  // Appends bytes as they are, for files of text; false once any write has failed.
+  bool writeBytes(std::span<const uint8_t> bytes);
 
   // Flushes the chunks and puts a temporary file in the log's place; false when anything failed.
   bool close();

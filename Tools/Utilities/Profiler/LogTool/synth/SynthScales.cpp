@@ -34,8 +34,9 @@ double findStepFactor(const std::vector<StepScale>& scales, std::string_view nam
 }
 
 uint64_t scaleUs(uint64_t durationUs, double factor) {
-  if (durationUs == 0)
-    return 0;
+  // Unscaled runs, the usual case, skip the rounding on every step.
+  if (durationUs == 0 || factor == 1)
+    return durationUs;
   return std::max<uint64_t>(1, uint64_t(std::round(double(durationUs) * factor)));
 }
 

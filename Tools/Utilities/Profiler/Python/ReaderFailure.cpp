@@ -1,0 +1,61 @@
+// The log facility's callback carries no context; a thread-local buffer gives each reading thread
+// its own messages while the GIL is released.
+#include "ReaderFailure.h"
+
+#include "plugin/Logging.h"
+
+#include <pybind11/pybind11.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+
+namespace kvt::profiling {
+
+namespace {
+
+thread_local std::string threadMessages;
+
+void keepReport(const char* format, uint32_t /*level*/, uint64_t /*timestampNs*/,
+                va_list arguments) {
+  va_list counting;
+  va_copy(counting, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, counting);
+  va_end(counting);
+  if (length < 0)
+    return;
+  std::string text(size_t(length) + 1, '\0');
+  std::vsnprintf(text.data(), text.size(), format, arguments);
+  text.pop_back();
+  if (!threadMessages.empty())
+    threadMessages += '\n';
+  threadMessages += text;
+}
+
+} // namespace
+
+void catchReaderMessages() {
+  auto logger = std::make_shared<Logger>();
+  logger->callback = keepReport;
+  logger->maxLevel = logError;
+  loggerRegistry().add(loggerHandle, std::move(logger));
+}
+
+void clearReaderMessages() {
+  threadMessages.clear();
+}
+
+void throwReaderFailure(const std::string& fallback) {
+  throw LogFailure(threadMessages.empty() ? fallback : threadMessages);
+}
+
+void requireExistingFile(const std::filesystem::path& path) {
+  std::error_code ignored;
+  if (std::filesystem::exists(path, ignored))
+    return;
+  errno = ENOENT;
+  PyErr_SetFromErrnoWithFilename(PyExc_FileNotFoundError, path.c_str());
+  throw pybind11::error_already_set();
+}
+
+} // namespace kvt::profiling

@@ -1,0 +1,202 @@
+"""The module's frames against the log tool's golden outputs and JSON, its errors, and its
+release of the GIL while it reads."""
+
+import json
+import math
+import os
+import subprocess
+import threading
+import time
+
+import pandas
+import pytest
+
+import kvtprofile
+from conftest import LOG_DIR, golden_dir
+
+STEP_KEYS = LOG_DIR / "step-keys" / "input.log"
+
+
+def golden_executions_cases():
+    """(case folder, log name) of each golden case whose commands print `executions {NAME}`."""
+    cases = []
+    for commands in sorted(golden_dir().glob("*/commands")):
+        for line in commands.read_text().splitlines():
+            output, _, args = line.partition(":")
+            words = args.split()
+            if output == "executions" and len(words) == 2 and words[0] == "executions":
+                cases.append((commands.parent, words[1].strip("{}")))
+    return cases
+
+
+@pytest.mark.parametrize("case, name", golden_executions_cases(),
+                         ids=lambda value: getattr(value, "name", value))
+def test_executions_frame_is_the_golden_csv(case, name, log_tool, tmp_path):
+    log = LOG_DIR / case.name / f"{name}.log"
+    frame = kvtprofile.executions(log)
+    assert frame.attrs["unit"] == "us"
+    frame.insert(0, "log", f"<logs>/{name}.log")
+    expected = (case / "executions.out").read_text(errors="surrogateescape")
+    assert frame.to_csv(index=False, lineterminator="\n") == expected
+    # The command's file is its standard output.
+    subprocess.run([log_tool, "executions", str(log), "-o", str(tmp_path / "rows.csv")], check=True)
+    written = (tmp_path / "rows.csv").read_text(errors="surrogateescape")
+    assert written.replace(str(log), f"<logs>/{name}.log") == expected
+
+
+def expected_stats_rows(report):
+    """The rows of `stats --format json` in the order of its CSV: graph by graph, duration,
+    queueWait, back-end records, then each step's span and wait."""
+    rows = []
+    for graph in report["graphs"]:
+        def row(series, name, figures, parent=None, occurrence=None, share=None):
+            rows.append(dict(graph=graph["name"], series=series, name=name, parent=parent,
+                             occurrence=occurrence, share=share, **figures))
+        row("duration", "duration", graph["duration"])
+        if graph["queueWait"] is not None:
+            row("queueWait", "queueWait", graph["queueWait"])
+        for record in graph["backend"]:
+            row("backend", record["name"], record["value"], occurrence=record["occurrence"])
+        for step in graph["steps"]:
+            key = dict(parent=step["parent"], occurrence=step["occurrence"])
+            row("span", step["name"], step["span"], share=step["share"], **key)
+            if step["wait"] is not None:
+                row("wait", step["name"], step["wait"], **key)
+    return rows
+
+
+def flat(figures, prefix=""):
+    """JSON's nested values as the frame's flat columns: base.count as base_count, interval as
+    interval_low and interval_high."""
+    columns = {}
+    for key, value in figures.items():
+        if isinstance(value, dict):
+            columns.update(flat(value, f"{prefix}{key}_"))
+        elif key == "interval":
+            low, high = value if value else (None, None)
+            columns.update({f"{prefix}interval_low": low, f"{prefix}interval_high": high})
+        else:
+            columns[prefix + key] = value
+    return columns
+
+
+def agree(value, printed):
+    """A frame's value against JSON's, printed to a few digits; missing is null."""
+    if pandas.isna(value):
+        return printed is None
+    if isinstance(printed, float) or isinstance(value, float):
+        return printed is not None and math.isclose(value, printed, rel_tol=2e-3, abs_tol=2e-3)
+    return value == printed
+
+
+def golden_json_reports():
+    """(case, expected file, arguments) of every golden `stats` or `compare` with --format json."""
+    reports = []
+    for commands in sorted(golden_dir().glob("*/commands")):
+        for line in commands.read_text().splitlines():
+            output, _, args = line.partition(":")
+            words = args.split()
+            if words[:1] in (["stats"], ["compare"]) and "json" in words and "--graph" not in words:
+                reports.append(pytest.param(commands.parent, output, words,
+                                            id=f"{commands.parent.name}/{output}"))
+    return reports
+
+
+OPTIONS = {"--skip-first": ("skip_first", int), "--alpha": ("alpha", float),
+           "--threshold": ("threshold", float), "--min-change": ("min_change", float)}
+
+
+@pytest.mark.parametrize("case, output, words", golden_json_reports())
+def test_frames_agree_with_the_tools_json(case, output, words):
+    logs = [LOG_DIR / case.name / f"{word.strip('{}')}.log" for word in words if word[0] == "{"]
+    options = {name: read(words[words.index(flag) + 1])
+               for flag, (name, read) in OPTIONS.items() if flag in words}
+    if "--relative" in words:
+        options["relative"] = True
+    report = json.loads((case / f"{output}.out").read_text())
+    if words[0] == "stats":
+        frame = kvtprofile.stats(*logs, **options)
+        expected = expected_stats_rows(report)
+    else:
+        frame = kvtprofile.compare(*logs, **options)
+        expected = [flat(row) for row in report["rows"]]
+        assert frame.attrs["totals"] == report["totals"]
+        assert [graph["name"] for graph in frame.attrs["graphs"]] == [
+            graph["name"] for graph in report["graphs"]]
+        for graph, printed in zip(frame.attrs["graphs"], report["graphs"]):
+            shift = flat(printed["runShift"] or {"shift": None})
+            assert all(agree(graph[key], value) for key, value in shift.items()), (graph, shift)
+    rows = frame.to_dict("records")
+    assert len(rows) == len(expected)
+    for row, printed in zip(rows, expected):
+        assert set(row) == set(printed)
+        assert all(agree(row[column], printed[column]) for column in row), (row, printed)
+
+
+@pytest.fixture
+def refused(tmp_path):
+    """(what, path, the reader's message) of logs the reader refuses."""
+    good = STEP_KEYS.read_bytes()
+    cut = tmp_path / "cut.log"
+    cut.write_bytes(good[:len(good) // 2])
+    return [("a log cut in its chunk", cut, "Corrupted flatbuffer binary stream"),
+            ("a folder", tmp_path, f"Invalid or nonexistent file: {tmp_path}")]
+
+
+def test_refused_logs_raise_log_error_with_the_readers_message(refused):
+    for what, path, message in refused:
+        reads = [kvtprofile.executions, kvtprofile.stats, kvtprofile.summary,
+                 lambda log: kvtprofile.compare(STEP_KEYS, log)]
+        for read in reads:
+            with pytest.raises(kvtprofile.LogError) as raised:
+                read(path)
+            assert str(raised.value) == message, (what, read)
+
+
+def test_bad_arguments_raise_python_errors(tmp_path):
+    log = STEP_KEYS
+    cases = [(FileNotFoundError, lambda: kvtprofile.executions(tmp_path / "missing.log")),
+             (ValueError, lambda: kvtprofile.executions(log, visibility=128)),
+             (ValueError, lambda: kvtprofile.stats(log, skip_first=-1)),
+             (ValueError, lambda: kvtprofile.compare(log, log, alpha=0.5)),
+             (ValueError, lambda: kvtprofile.compare(log, log, threshold=-1)),
+             (TypeError, lambda: kvtprofile.executions(log, 0)),
+             (TypeError, lambda: kvtprofile.executions(3))]
+    for error, call in cases:
+        with pytest.raises(error):
+            call()
+
+
+def test_summary_and_trace_are_the_viewers(tmp_path):
+    log = os.environ["KVT_EXAMPLE_LOG"]
+    assert "Execute Stats" in kvtprofile.summary(log)
+    printed = kvtprofile.trace(log, tmp_path / "trace.json")
+    assert (tmp_path / "trace.json").read_text().startswith("{")
+    assert "Execute Stats" in printed
+
+
+def test_another_thread_runs_while_a_log_is_read(tmp_path, log_tool):
+    # Each round of the other thread takes the GIL anew; a read that held it would allow only
+    # the rounds at its start and end. Every execution is skipped, so the call is all reading.
+    log = tmp_path / "big.log"
+    subprocess.run([log_tool, "synth", "-o", str(log), "--graphs", "1", "--executions", "6000",
+                    "--steps", "64"], check=True)
+    reading = threading.Event()
+    done = threading.Event()
+    rounds = []
+
+    def count():
+        while not done.is_set():
+            if reading.is_set():
+                rounds.append(1)
+            time.sleep(0.001)
+
+    counter = threading.Thread(target=count)
+    counter.start()
+    reading.set()
+    frame = kvtprofile.executions(log, skip_first=6000)
+    reading.clear()
+    done.set()
+    counter.join()
+    assert len(frame) == 0
+    assert len(rounds) >= 10
