@@ -1,9 +1,9 @@
-// The log's modification time stands in for its date: a log records only relative stamps.
+// A log's date is its header's creation time, shown in UTC so that a page reads the same
+// anywhere.
 #include "ReportBuild.h"
 
 #include "ReportFile.h"
 
-#include <chrono>
 #include <ctime>
 #include <filesystem>
 #include <sstream>
@@ -12,13 +12,10 @@ namespace kvt::profiling {
 
 namespace {
 
-std::string findModifiedTime(const std::string& path) {
-  std::error_code error;
-  const auto written = std::filesystem::last_write_time(path, error);
-  if (error)
+std::string formatCreated(std::optional<uint64_t> createdUs) {
+  if (!createdUs)
     return {};
-  const std::time_t time =
-      std::chrono::system_clock::to_time_t(std::chrono::file_clock::to_sys(written));
+  const auto time = std::time_t(*createdUs / 1000000);
   std::tm utc{};
   if (!gmtime_r(&time, &utc))
     return {};
@@ -46,7 +43,7 @@ bool readReport(const ReportOptions& options, Report& report, std::string& unrea
       return false;
     }
     read.input.runs.push_back(std::move(figures));
-    read.logs.push_back({path, findModifiedTime(path)});
+    read.logs.push_back({path, formatCreated(runs.back().createdUs)});
   }
   if (options.basePath) {
     read.input.comparison = figureComparison(runs[0], runs[1], options.comparison);

@@ -20,8 +20,8 @@ std::string describeLogs(const std::vector<PageLog>& logs) {
     if (i)
       text += logs.size() == 2 ? " against " : ", ";
     text += "<span class=\"log\">" + escapeHtml(logs[i].path) + "</span>";
-    if (!logs[i].modified.empty())
-      text += " <span class=\"date\">(" + escapeHtml(logs[i].modified) + ")</span>";
+    if (!logs[i].created.empty())
+      text += " <span class=\"date\">(" + escapeHtml(logs[i].created) + ")</span>";
   }
   return text;
 }

@@ -12,7 +12,7 @@ namespace kvt::profiling {
 // What the page shows that is not in its data: each log it reports with its date.
 struct PageLog {
   std::string path;
-  std::string modified; // "2026-11-25 07:30 UTC", or empty when unknown
+  std::string created; // "2026-11-25 07:30 UTC", or empty when the log has no header
 };
 
 // text with &, <, >, " and ' as HTML character references.

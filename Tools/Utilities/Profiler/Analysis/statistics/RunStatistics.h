@@ -51,6 +51,7 @@ struct GraphStatistics {
 
 struct RunStatistics {
   std::vector<GraphStatistics> graphs; // in order of first appearance
+  std::optional<uint64_t> createdUs;   // the log header's creation time, us since the Unix epoch
 };
 
 // Whether some execution, counted or the first, gave the series a value.

@@ -15,13 +15,17 @@ bool readRunStatistics(const std::string& path, const StatisticsOptions& options
       [&collector](const DispatchedExecution& execution) { collector.add(execution); }};
   EventModel model;
   FlatBufferReaderUtil streamReader;
+  std::optional<uint64_t> createdUs;
   const bool complete = readLogChunks(path, streamReader, [&] {
+    if (!createdUs && streamReader.header())
+      createdUs = streamReader.header()->epoch_timestamp_us();
     while (const schema::Message* message = streamReader.nextMessage())
       dispatchMessage(model, consumers, options.visibilityLevel, *message);
   });
   if (!complete)
     return false;
   run = std::move(collector).take();
+  run.createdUs = createdUs;
   return true;
 }
 
