@@ -1,13 +1,13 @@
 // `kvt-profile-log compare BASE NEW` on the command line; the comparison itself is the analysis
 // library's.
 #include "CommandLine.h"
+#include "ComparisonOptions.h"
 #include "ReaderReports.h"
 #include "StatsCommand.h"
 #include "ToolCommands.h"
 #include "reports/CompareReport.h"
 #include "statistics/StatisticsPass.h"
 
-#include <charconv>
 #include <memory>
 #include <tuple>
 
@@ -24,19 +24,6 @@ struct CompareCommandOptions {
   uint64_t skipFirst = 0;
   std::string format = "table";
 };
-
-// A plain decimal number that accepted() takes, or "needs WHAT, not 'TEXT'".
-template <typename Accepted> CLI::Validator decimal(std::string what, Accepted accepted) {
-  return CLI::Validator(
-      [what, accepted](const std::string& text) -> std::string {
-        double value = 0;
-        const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (status == std::errc() && end == text.data() + text.size() && accepted(value))
-          return {};
-        return "needs " + what + ", not '" + text + "'";
-      },
-      "");
-}
 
 int runCompare(const CompareCommandOptions& options, ToolConsole& console) {
   StatisticsOptions pass;
@@ -86,28 +73,7 @@ void addCompareCommand(CLI::App& tool, CommandRun& run) {
   command->add_option("NEW", options->newPath, "the log of the new run")
       ->required()
       ->check(nonEmpty());
-  command
-      ->add_option("--alpha", options->comparison.alpha,
-                   "the chance that a comparison of equal runs finds some series\n"
-                   "slower (default 0.01)")
-      ->option_text("A")
-      ->check(decimal("a probability above 0 and below 0.5",
-                      [](double value) { return value > 0 && value < 0.5; }));
-  command
-      ->add_option("--threshold", options->comparison.thresholdPercent,
-                   "the change, in percent of the base median, up to which a\n"
-                   "series is the same (default 5)")
-      ->option_text("PCT")
-      ->check(decimal("a percentage of 0 or more", [](double value) { return value >= 0; }));
-  command
-      ->add_option("--min-change", options->comparison.minChangeUnits,
-                   "the change, in the log's unit, up to which a series is the\n"
-                   "same whatever its percentage (default 0)")
-      ->option_text("UNITS")
-      ->check(decimal("a number of units of 0 or more", [](double value) { return value >= 0; }));
-  command->add_flag("--relative", options->comparison.relative,
-                    "judge steps and back-end records net of each graph's run-wide\n"
-                    "shift (the new values divided by its ratio)");
+  addComparisonOptions(*command, options->comparison);
   command
       ->add_option("--skip-first", options->skipFirst,
                    "leave each graph's first N executions out of both runs")
