@@ -71,16 +71,8 @@ RunStatistics perturbed(RunStatistics run) {
     }
     std::sort(series.values.begin(), series.values.end());
   };
-  for (GraphStatistics& graph : run.graphs) {
-    move(graph.duration);
-    move(graph.queueWait);
-    for (BackendSeries& backend : graph.backend)
-      move(backend.value);
-    for (StepSeries& step : graph.steps) {
-      move(step.span);
-      move(step.wait);
-    }
-  }
+  for (GraphStatistics& graph : run.graphs)
+    forEachSeries(graph, move);
   return run;
 }
 
@@ -94,8 +86,10 @@ void writeComparison(std::ostream& out, const RunStatistics& base, const RunStat
 // The statistics of the log, every report of them, and its comparison with itself and with a
 // perturbed copy, plainly and net of the run-wide shift.
 void runStatistics(const std::string& logPath) {
+  StatisticsOptions pass;
+  pass.skipFirst = 1;
   RunStatistics run;
-  if (!readRunStatistics(logPath, {VisibilityLevel::keepAll, 1, {}}, run))
+  if (!readRunStatistics(logPath, pass, run))
     return;
   std::ostringstream discarded;
   writeStatsTable(discarded, run, {StepOrder::name, 3});

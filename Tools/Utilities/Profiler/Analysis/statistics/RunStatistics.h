@@ -54,6 +54,19 @@ struct RunStatistics {
   std::optional<uint64_t> createdUs;   // the log header's creation time, us since the Unix epoch
 };
 
+// Calls visit on every series of the graph: its duration and queue wait, each back-end record's
+// values and each step's span and wait.
+template <typename Visit> void forEachSeries(GraphStatistics& graph, Visit visit) {
+  visit(graph.duration);
+  visit(graph.queueWait);
+  for (BackendSeries& record : graph.backend)
+    visit(record.value);
+  for (StepSeries& step : graph.steps) {
+    visit(step.span);
+    visit(step.wait);
+  }
+}
+
 // Whether some execution, counted or the first, gave the series a value.
 inline bool hasValues(const Series& series) {
   return series.first || !series.values.empty();

@@ -110,14 +110,7 @@ RunStatistics StatisticsCollector::take() && {
     if (orderedSeries)
       for (const SeriesRef& ref : listSeries(graph))
         orderedSeries(graph, ref, ref.series->values, ref.series->skippedValues);
-    sortValues(graph.duration);
-    sortValues(graph.queueWait);
-    for (BackendSeries& record : graph.backend)
-      sortValues(record.value);
-    for (StepSeries& step : graph.steps) {
-      sortValues(step.span);
-      sortValues(step.wait);
-    }
+    forEachSeries(graph, sortValues);
     run.graphs.push_back(std::move(graph));
   }
   return run;
