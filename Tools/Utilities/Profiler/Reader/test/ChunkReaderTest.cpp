@@ -11,6 +11,7 @@
 #include <fstream>
 
 #if !defined(_WIN32)
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #endif
@@ -62,6 +63,10 @@ TEST(ChunkReader, ReadsFramedChunks) {
     bool corrupt;
   };
   const std::vector<uint8_t> log = twoChunks();
+  // A chunk's last bytes are its one message's stamp: this one's top byte ends the file.
+  constexpr uint64_t topByteStamp = 0x0100000000000002u;
+  const std::vector<uint8_t> stampLast =
+      buildLog(std::vector{composeChunk(1), composeChunk(topByteStamp)});
   const size_t firstChunkBytes = buildChunk(composeChunk(1)).size();
   const std::vector<uint8_t> composeChunk3 = buildChunk(composeChunk(3));
   auto withTail = [&](std::vector<uint8_t> tail) {
@@ -96,6 +101,16 @@ TEST(ChunkReader, ReadsFramedChunks) {
        {},
        false},
       {"a zero size prefix", {0, 0, 0, 0}, false, {}, true},
+      {"second chunk ending exactly at the end of the file",
+       stampLast,
+       true,
+       {1, topByteStamp},
+       false},
+      {"second chunk one byte short, its stamp's top byte zero-padded",
+       std::vector<uint8_t>(stampLast.begin(), stampLast.end() - 1),
+       true,
+       {1, topByteStamp & 0x00FFFFFFFFFFFFFFu},
+       false},
       {"second chunk cut in its last field",
        std::vector<uint8_t>(log.begin(), log.end() - 9),
        true,
@@ -124,30 +139,52 @@ TEST(ChunkReader, ReadsFramedChunks) {
 }
 
 #if !defined(_WIN32) // the address-space limit is POSIX's
-// A size prefix the verifier could never hold is refused before anything is allocated: with the
-// address space limited to 1 GiB more than is in use, it is still refused as corrupt, not as out
-// of memory.
-TEST(ChunkReader, RefusesTheVerifiersLargestSizeWithoutAllocating) {
+// With the address space limited to 1 GiB more than is in use, a size prefix the verifier could
+// never hold is still refused as corrupt, before anything is allocated; a chunk one byte smaller
+// (zero-padded from the file's end) needs memory that cannot be had.
+TEST(ChunkReader, ChunksBeyondTheAddressSpaceLeft) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   GTEST_SKIP() << "the sanitizers reserve address space of their own";
 #endif
-  const TempDir dir;
-  const std::string path =
-      dir.write("log.bin", withSizePrefix(ChunkLimits::maxBytes, buildChunk(composeChunk(1))));
-  size_t pagesInUse = 0;
-  std::ifstream("/proc/self/statm") >> pagesInUse;
-  rlimit previous{};
-  ASSERT_EQ(getrlimit(RLIMIT_AS, &previous), 0);
-  rlimit limited = previous;
-  limited.rlim_cur = pagesInUse * size_t(sysconf(_SC_PAGESIZE)) + (size_t(1) << 30);
-  if (pagesInUse == 0 || limited.rlim_cur > previous.rlim_max)
-    GTEST_SKIP() << "cannot limit the address space";
-  CapturingLogger logger;
-  ASSERT_EQ(setrlimit(RLIMIT_AS, &limited), 0);
-  const bool complete = drain(path).complete;
-  setrlimit(RLIMIT_AS, &previous);
-  EXPECT_FALSE(complete);
-  EXPECT_EQ(logger.texts(logError), std::vector<std::string>{"Corrupted flatbuffer binary stream"});
+  struct Case {
+    const char* what;
+    uint32_t sizePrefix;
+    bool outOfMemory; // else corrupt
+  };
+  const Case cases[] = {
+      {"the verifier's largest size", ChunkLimits::maxBytes, false},
+      {"one byte less", ChunkLimits::maxBytes - 1, true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const TempDir dir;
+    const std::string path =
+        dir.write("log.bin", withSizePrefix(c.sizePrefix, buildChunk(composeChunk(1))));
+    size_t pagesInUse = 0;
+    std::ifstream("/proc/self/statm") >> pagesInUse;
+    rlimit previous{};
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &previous), 0);
+    rlimit limited = previous;
+    limited.rlim_cur = pagesInUse * size_t(sysconf(_SC_PAGESIZE)) + (size_t(1) << 30);
+    if (pagesInUse == 0 || limited.rlim_cur > previous.rlim_max)
+      GTEST_SKIP() << "cannot limit the address space";
+    CapturingLogger logger;
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &limited), 0);
+    // A user-mode emulator accepts the limit and holds to none.
+    void* probe = mmap(nullptr, ChunkLimits::maxBytes, PROT_READ,
+                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    const bool limitHolds = probe == MAP_FAILED;
+    const bool complete = limitHolds && drain(path).complete;
+    setrlimit(RLIMIT_AS, &previous);
+    if (!limitHolds) {
+      munmap(probe, ChunkLimits::maxBytes);
+      GTEST_SKIP() << "the address-space limit does not hold here";
+    }
+    EXPECT_FALSE(complete);
+    EXPECT_EQ(logger.texts(logError),
+              std::vector<std::string>{c.outOfMemory ? "Out of memory for a chunk of " + path
+                                                     : "Corrupted flatbuffer binary stream"});
+  }
 }
 #endif
 

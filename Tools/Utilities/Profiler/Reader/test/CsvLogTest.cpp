@@ -15,6 +15,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <sstream>
 
 #if defined(_WIN32)
@@ -160,37 +161,57 @@ constexpr const char* noTemporarySpaceReport =
 #endif
 
 // Execution rows wait in temporary files until the event log is written; when they cannot all
-// be kept there, the reader writes no event log rather than one with rows missing.
+// be kept there, the reader writes no event log rather than one with rows missing, while the
+// summary alone still prints.
 TEST(CsvOutputs, RowsWithoutTemporarySpaceGiveNoFile) {
-  const TempDir dir;
-  MessageSpec execution;
-  execution.methodType = 1;
-  execution.graphName.emplace("g");
-  execution.timing = TimingSpec{0, 10};
-  execution.events = std::vector<EventSpec>(4);
-  ChunkSpec chunk;
-  chunk.messages = std::vector<MessageSpec>(2000, execution); // about 100 kB of rows
-  const std::string log = dir.write("run.log", buildLog(std::span(&chunk, 1)));
-  const std::string csvPath = (dir.path() / "events.csv").string();
-  KvtProfileLogReader reader(log, VisibilityLevel::keepAll);
-  CapturingLogger logger(logError);
-  StdoutCapture printed;
-  {
+  struct Case {
+    const char* what;
+    size_t executions;
+    bool noSpaceWhileWriting; // else only while parsing
+  };
+  const Case cases[] = {
+      // Some 340 kB of rows: the temporary file's buffer spills while the log is parsed.
+      {"no space once some rows were written", 2000, false},
+      // Some 1.7 kB: every row is still in the buffer (a block, 4 kB or more), whose flush fails.
+      {"a flush that fails at the end", 10, true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const TempDir dir;
+    MessageSpec execution;
+    execution.methodType = 1;
+    execution.graphName.emplace("g");
+    execution.timing = TimingSpec{0, 10};
+    execution.events = std::vector<EventSpec>(4);
+    ChunkSpec chunk;
+    chunk.messages = std::vector<MessageSpec>(c.executions, execution);
+    const std::string log = dir.write("run.log", buildLog(std::span(&chunk, 1)));
+    const std::string csvPath = (dir.path() / "events.csv").string();
+    KvtProfileLogReader reader(log, VisibilityLevel::keepAll);
+    CapturingLogger logger(logError);
 #if defined(_WIN32)
-    const NoTemporarySpace limit(dir.path() / "missing");
+    std::optional<NoTemporarySpace> limit(std::in_place, dir.path() / "missing");
 #else
-    const NoTemporarySpace limit(16 * 1024);
+    std::optional<NoTemporarySpace> limit(std::in_place, 1024);
 #endif
     ASSERT_TRUE(reader.parseLog(false));
+    if (!c.noSpaceWhileWriting)
+      limit.reset();
+    {
+      const StdoutCapture printed;
+      EXPECT_FALSE(reader.writeOutputs(csvPath));
+      EXPECT_EQ(printed.text(), "");
+    }
+    limit.reset();
+
+    ASSERT_EQ(logger.texts(logError).size(), 1u);
+    EXPECT_EQ(logger.texts(logError)[0],
+              noTemporarySpaceReport + ("; no csvfile written: [" + csvPath + "]"));
+    EXPECT_FALSE(std::filesystem::exists(csvPath));
+    const StdoutCapture summary;
+    EXPECT_TRUE(reader.writeOutputs(""));
+    EXPECT_NE(summary.text(), "");
   }
-
-  EXPECT_FALSE(reader.writeOutputs(csvPath));
-
-  EXPECT_EQ(printed.text(), "");
-  ASSERT_EQ(logger.texts(logError).size(), 1u);
-  EXPECT_EQ(logger.texts(logError)[0],
-            noTemporarySpaceReport + ("; no csvfile written: [" + csvPath + "]"));
-  EXPECT_FALSE(std::filesystem::exists(csvPath));
 }
 
 } // namespace

@@ -70,6 +70,9 @@ TEST(FlatBufferReaderUtil, AcceptsAndRejectsBuffers) {
       {"11 bytes", elevenBytes, false},
       {"empty", {}, false},
       {"root offset 0", withRootOffset(0), false},
+      {"root offset 1", withRootOffset(1), false},
+      // The writer's padding there reads as a table with an empty vtable: a root with nothing.
+      {"root offset 4", withRootOffset(4), true},
       {"root offset with bit 31", withRootOffset(0x80000010u), false},
       {"root offset at the end", withRootOffset(uint32_t(withRootOffset(0).size())), false},
       {"all zeros", std::vector<uint8_t>(64, 0), false},
@@ -77,10 +80,13 @@ TEST(FlatBufferReaderUtil, AcceptsAndRejectsBuffers) {
        false},
       {"message without timing", withMessage([](MessageSpec& m) { m.timing.reset(); }), false},
       {"string without terminator", unterminated, false},
-      {"event tree within the depth limit",
-       withMessage([](MessageSpec& m) { m.events = std::vector{nestedEvents(55)}; }), true},
-      {"event tree deeper than the depth limit",
-       withMessage([](MessageSpec& m) { m.events = std::vector{nestedEvents(70)}; }), false},
+      // 64 tables deep: the root, the message, then 62 levels of events.
+      {"event tree one level short of the depth limit",
+       withMessage([](MessageSpec& m) { m.events = std::vector{nestedEvents(61)}; }), true},
+      {"event tree at the depth limit",
+       withMessage([](MessageSpec& m) { m.events = std::vector{nestedEvents(62)}; }), true},
+      {"event tree one level past the depth limit",
+       withMessage([](MessageSpec& m) { m.events = std::vector{nestedEvents(63)}; }), false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);

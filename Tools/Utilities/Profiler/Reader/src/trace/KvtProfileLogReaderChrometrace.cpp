@@ -39,10 +39,9 @@ bool KvtProfileLogReaderChrometrace::writeOutputs(const std::string& outputPath)
   writeExecuteAverageStats(statistics, context);
 
   // The statistics are printed only once the whole trace is in the file; an incompatible log
-  // leaves the file empty and prints nothing.
+  // leaves the file empty and prints nothing, a full disk leaves part of the trace.
   if (!writeTraceJson(model.averageExecutionByGraph, file))
     return false;
-  file << "\n" << std::flush;
   std::cout << statistics.str() << std::flush;
   return true;
 }

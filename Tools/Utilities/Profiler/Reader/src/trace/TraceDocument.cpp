@@ -1,6 +1,8 @@
 // The trace as a JSON document, serialised by the pretty writer.
 #include "TraceDocument.h"
 
+#include <ostream>
+
 #include <rapidjson/document.h>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
@@ -75,7 +77,13 @@ bool writeTraceJson(const GraphMap<ExecutionEntry>& averageExecutionByGraph, std
   rapidjson::StringBuffer buffer;
   if (!serializeTraceDocument(averageExecutionByGraph, buffer))
     return false;
+  // A full disk shows only in the stream's state, often not before the last flush.
   out.write(buffer.GetString(), std::streamsize(buffer.GetSize()));
+  out << "\n" << std::flush;
+  if (!out) {
+    logMessage(logError, "Trace document could not be written.");
+    return false;
+  }
   return true;
 }
 
