@@ -36,9 +36,9 @@ Drained drain(const std::string& path) {
   Drained result;
   FlatBufferReaderUtil streamReader;
   result.complete = readLogChunks(path, streamReader, [&] {
-    while (const schema::Message* message = streamReader.nextMessage())
-      result.stamps.push_back(message->stamp()->timestamp());
-  });
+                      while (const schema::Message* message = streamReader.nextMessage())
+                        result.stamps.push_back(message->stamp()->timestamp());
+                    }).complete();
   return result;
 }
 
