@@ -1,6 +1,8 @@
 // Without --partial a cut log still fails; the hint says what the option would keep.
 #include "LogReadReport.h"
 
+#include <string>
+
 namespace kvt::profiling {
 
 void addPartialFlag(CLI::App& command, bool& partial) {
@@ -14,15 +16,12 @@ bool reportLogRead(std::ostream& err, std::string_view command, const LogReadRes
                    bool partial, std::string_view role) {
   if (read.complete())
     return true;
-  err << command << ": ";
-  if (!role.empty())
-    err << role << ' ';
-  const bool stands = read.stands(partial);
-  if (stands) {
-    err << "partial: " << describePartialRead(read) << '\n';
+  const std::string named = role.empty() ? "" : std::string(role) + ' ';
+  if (read.stands(partial)) {
+    err << command << ": partial: " << named << describePartialRead(read) << '\n';
     return true;
   }
-  err << describeLogFault(*read.fault) << '\n';
+  err << command << ": " << named << describeLogFault(*read.fault) << '\n';
   if (read.stands(true) && read.chunksRead > 0)
     err << command << ": --partial reads the " << read.chunksRead << " whole chunk"
         << (read.chunksRead == 1 ? "" : "s") << " before it\n";

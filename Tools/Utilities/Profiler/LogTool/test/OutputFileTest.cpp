@@ -45,23 +45,32 @@ TEST(OutputFile, EveryCommandWritesOneWay) {
     std::function<void(const fs::path& dir)> check; // after the command
     bool needsNonRoot = false;
   };
+  // A second name of the older file keeps its bytes: the new file was renamed over the name,
+  // not written into the older one.
+  auto keepOlder = [](const fs::path& older) {
+    std::ofstream(older) << "old";
+    fs::create_hard_link(older, older.parent_path() / "older-bytes");
+  };
   auto fileIsNew = [](const fs::path& file) {
     EXPECT_TRUE(fs::is_regular_file(file));
     EXPECT_NE(readFile(file), "old");
     EXPECT_FALSE(readFile(file).empty());
+    if (fs::exists(file.parent_path() / "older-bytes")) {
+      EXPECT_EQ(readFile(file.parent_path() / "older-bytes"), "old");
+    }
   };
   const Case cases[] = {
     {"a new file", [](const fs::path& dir) { return (dir / "out").string(); }, nullptr,
      [&](const fs::path& dir) { fileIsNew(dir / "out"); }},
     {"an older file replaced",
-     [](const fs::path& dir) {
-       std::ofstream(dir / "out") << "old";
+     [&](const fs::path& dir) {
+       keepOlder(dir / "out");
        return (dir / "out").string();
      },
      nullptr, [&](const fs::path& dir) { fileIsNew(dir / "out"); }},
     {"through a symbolic link, which stays",
-     [](const fs::path& dir) {
-       std::ofstream(dir / "target") << "old";
+     [&](const fs::path& dir) {
+       keepOlder(dir / "target");
        fs::create_symlink(dir / "target", dir / "link");
        return (dir / "link").string();
      },

@@ -16,11 +16,13 @@ namespace {
 constexpr size_t streamBufferBytes = 1 << 20; // large writes keep a synthesised log at disk speed
 constexpr int maxLinksFollowed = 40;          // as the system's own limit on nested links
 
-// Paths of the system's own files: /dev/stdout and /proc/self/fd/1 stand for an open file that a
-// rename would never reach, so they are written in place even when a regular file is behind them.
+// Paths that stand for a process's open files (/dev/stdout, /dev/fd/1, /proc/self/fd/1): a rename
+// would never reach the open file, so they are written in place even when a regular file is
+// behind them.
 bool isSystemPath(const fs::path& path) {
   const std::string text = path.string();
-  return text.starts_with("/dev/") || text.starts_with("/proc/");
+  return text.starts_with("/proc/") || text.starts_with("/dev/fd/") || text == "/dev/stdout" ||
+         text == "/dev/stderr";
 }
 
 // The file a path leads to through its symbolic links, dangling ones included; none when the
