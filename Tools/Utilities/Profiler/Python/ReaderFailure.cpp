@@ -68,7 +68,7 @@ pybind11::object describePartial(const std::optional<LogReadResult>& partial) {
   described["chunksRead"] = partial->chunksRead;
   described["bytesRead"] = partial->bytesRead;
   described["reason"] = describeLogFaultWithoutPath(*partial->fault);
-  return std::move(described);
+  return described;
 }
 
 void requireExistingFile(const std::filesystem::path& path) {
