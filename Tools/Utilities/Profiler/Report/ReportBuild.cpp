@@ -26,27 +26,27 @@ std::string formatCreated(std::optional<uint64_t> createdUs) {
 } // namespace
 
 bool readReport(const ReportOptions& options, Report& report, std::string& unreadablePath) {
-  std::vector<std::string> paths;
-  if (options.basePath)
-    paths.push_back(*options.basePath);
-  paths.push_back(options.logPath);
   Report read;
   read.input.title = options.title.empty()
                          ? std::filesystem::path(options.logPath).filename().string()
                          : options.title;
   read.input.skipFirst = options.statistics.skipFirst;
-  std::vector<RunStatistics> runs;
-  for (const std::string& path : paths) {
-    RunFigures figures;
-    if (!readRunFigures(path, options.statistics, runs.emplace_back(), figures)) {
-      unreadablePath = path;
+  RunStatistics base; // only its comparison is drawn, so it needs no figures of its own
+  if (options.basePath) {
+    if (!readRunStatistics(*options.basePath, options.statistics, base)) {
+      unreadablePath = *options.basePath;
       return false;
     }
-    read.input.runs.push_back(std::move(figures));
-    read.logs.push_back({path, formatCreated(runs.back().createdUs)});
+    read.logs.push_back({*options.basePath, formatCreated(base.createdUs)});
   }
+  RunStatistics next;
+  if (!readRunFigures(options.logPath, options.statistics, next, read.input.run)) {
+    unreadablePath = options.logPath;
+    return false;
+  }
+  read.logs.push_back({options.logPath, formatCreated(next.createdUs)});
   if (options.basePath) {
-    read.input.comparison = figureComparison(runs[0], runs[1], options.comparison);
+    read.input.comparison = figurePageComparison(base, next, options.comparison);
     read.input.comparison->basePath = *options.basePath;
     read.input.comparison->newPath = options.logPath;
   }

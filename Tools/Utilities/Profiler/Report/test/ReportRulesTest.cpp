@@ -47,7 +47,7 @@ RunFigures runOf(size_t seriesCount, size_t pointsEach) {
   std::iota(values.begin(), values.end(), 0);
   RunFigures run;
   run.graphs.emplace_back().series.resize(seriesCount);
-  for (SeriesFigures& series : run.graphs[0].series)
+  for (PageSeries& series : run.graphs[0].series)
     series.points = thinExecutionPoints(values, pointsEach);
   return run;
 }
@@ -68,7 +68,7 @@ TEST(ReportRules, ARunOfManySeriesSharesItsPointBudget) {
     SCOPED_TRACE(c.what);
     RunFigures run = runOf(c.seriesCount, c.pointsEach);
     boundPoints(run);
-    for (const SeriesFigures& series : run.graphs[0].series)
+    for (const PageSeries& series : run.graphs[0].series)
       ASSERT_EQ(series.points.index.size(), c.expectedEach);
   }
 }
