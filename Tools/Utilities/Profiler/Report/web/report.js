@@ -246,6 +246,11 @@ function nextDirection(column, key, dir) {
   return column.text || column.ascending ? 'asc' : 'desc';
 }
 
+// A cell's classes: its column's, text or not, and its own.
+function cellClass(column) {
+  return [`c-${column.key}`, column.text ? 'text' : '', column.cellClass || ''].join(' ').trim();
+}
+
 // The table of items (each with an index): its rows are made when first shown and from then on
 // only moved, hidden and shown. spec: {id, columns, picture: {header, draw(item)}, rowClass(item),
 // onSort(column), onOpen(item)}. A column: {key, label, text, unit, value(item) to sort by, and
@@ -254,29 +259,51 @@ function liveTable(spec) {
   const made = new Map();
   const detail = el('tr', {class: 'detail-row'}, el('td', {colspan: spec.columns.length + 1}));
   let detailItem = null;
+  let selected = null;  // the row whose detail is open
   let shown = [];
   const headers = spec.columns.map((column) => {
     const sortButton = el('button', {type: 'button'}, column.label,
                           column.unit && unit ? el('span', {class: 'unit'}, ` ${unit}`) : null);
     sortButton.addEventListener('click', () => spec.onSort(column));
-    return el('th', {class: column.text ? 'text' : null, 'data-key': column.key}, sortButton);
+    return el('th', {class: cellClass(column), 'data-key': column.key}, sortButton);
   });
   const body = el('tbody', {});
   const table =
-      el('table', {id: spec.id},
+      el('table', {id: spec.id, class: 'live'},
          el('thead', {}, el('tr', {}, headers, el('th', {class: 'picture'}, spec.picture.header))),
          body);
+
+  // Rows are clones of one empty row, and each row's picture is drawn once it nears the view:
+  // showing thousands of rows then costs little more than their text.
+  const prototype =
+      el('tr', {tabindex: '0'}, spec.columns.map((column) => el('td', {class: cellClass(column)})),
+         el('td', {class: 'picture'}));
+  const itemOf = new Map();
+  const drawn = new Set();
+  function drawPicture(row) {
+    const index = Number(row.dataset.index);
+    if (drawn.has(index)) return;
+    drawn.add(index);
+    observer.unobserve(row);
+    row.lastChild.append(spec.picture.draw(itemOf.get(index)));
+  }
+  const observer = new IntersectionObserver((entries) => {
+    for (const entry of entries)
+      if (entry.isIntersecting) drawPicture(entry.target);
+  }, {rootMargin: '800px 0px'});
 
   function rowOf(item) {
     let row = made.get(item.index);
     if (row) return row;
-    row = el('tr', {tabindex: '0', 'data-index': String(item.index)},
-             spec.columns.map(
-                 (column) => el('td', {class: [column.text ? 'text' : '', column.cellClass || ''].join(' ').trim() || null},
-                                column.cell ? column.cell(item) :
-                                              (column.format || formatValue)(column.value(item)))),
-             el('td', {class: 'picture'}, spec.picture.draw(item)));
+    row = prototype.cloneNode(true);
+    row.dataset.index = String(item.index);
+    spec.columns.forEach((column, i) => {
+      row.children[i].textContent =
+          column.cell ? column.cell(item) : (column.format || formatValue)(column.value(item));
+    });
     if (spec.rowClass) row.classList.add(...spec.rowClass(item));
+    itemOf.set(item.index, item);
+    observer.observe(row);
     row.addEventListener('click', () => spec.onOpen(item));
     row.addEventListener('keydown', (event) => {
       if (event.target === row && (event.key === 'Enter' || event.key === ' ')) {
@@ -300,6 +327,12 @@ function liveTable(spec) {
     },
     // Shows items in their order: rows not among them are hidden, the others moved into place.
     show(items) {
+      const same = items.length === shown.length &&
+          items.every((item, i) => item.index === shown[i].index);
+      if (same) {  // opening a row or paging back to what is shown moves nothing
+        this.placeDetail(detailItem, detailItem ? detail.firstChild.firstChild : null);
+        return;
+      }
       const wanted = new Set(items.map((item) => item.index));
       for (const [index, row] of made)
         if (!wanted.has(index)) row.hidden = true;
@@ -311,6 +344,7 @@ function liveTable(spec) {
       }
       body.append(rows);
       shown = items;
+      for (const item of items.slice(0, topRows)) drawPicture(made.get(item.index));
       this.placeDetail(detailItem, detailItem ? detail.firstChild.firstChild : null);
     },
     shownItems() {
@@ -324,7 +358,8 @@ function liveTable(spec) {
     },
     // Puts content in a row under item's, when item is shown; false when it is not.
     placeDetail(item, content) {
-      for (const row of made.values()) row.classList.remove('selected');
+      if (selected) selected.classList.remove('selected');
+      selected = null;
       detailItem = item;
       if (!item || !content || !shown.some((s) => s.index === item.index)) {
         detail.remove();
@@ -332,6 +367,7 @@ function liveTable(spec) {
       }
       const row = made.get(item.index);
       row.classList.add('selected');
+      selected = row;
       detail.firstChild.replaceChildren(content);
       row.after(detail);
       return true;
@@ -738,7 +774,7 @@ function verticalMarks(picture, marks) {
     while (placed.some((p) => p.line === line && from < p.to + 4 && from + width > p.from - 4))
       line += 1;
     placed.push({line, from, to: from + width});
-    const y = plot.top - 4 - line * 12;
+    const y = plot.top - 4 - line * 14;
     picture.append(
         svg('line', {class: 'mark ' + (cls || ''), x1: x, x2: x, y1: y + 2, y2: plot.height - plot.bottom}),
         svg('text', {
