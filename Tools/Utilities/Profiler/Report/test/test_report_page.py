@@ -35,9 +35,10 @@ def reports():
     for case, name in [("compare-200", "base"), ("compare-200", "new"), ("report", "input"),
                        ("percentiles", "input"), ("step-keys", "input")]:
         tool("build", "--chunks", GOLDEN / case / f"{name}.json", "-o", folder / f"{case}-{name}.log")
-    tool("synth", "-o", folder / "synth.log", "--graphs", 2, "--executions", 600, "--steps", 12,
-         "--noise", "heavy")
-    tool("report", folder / "synth.log", "-o", folder / "synth.html", "--skip-first", 3)
+    # Relative paths, so that the pages (and the README's pictures of them) name no temporary folder.
+    tool("synth", "-o", "synth.log", "--graphs", 2, "--executions", 600, "--steps", 12, "--noise", "heavy",
+         cwd=folder)
+    tool("report", "synth.log", "-o", "synth.html", "--skip-first", 3, cwd=folder)
     tool("report", folder / "compare-200-new.log", "--base", folder / "compare-200-base.log",
          "-o", folder / "compare.html", "--title", "compare-200")
     tool("report", folder / "report-input.log", "-o", folder / "hostile.html", "--title", HOSTILE_TITLE)
@@ -47,7 +48,6 @@ def reports():
     tool("report", folder / "empty.log", "--base", folder / "empty.log", "-o", folder / "empty.html")
     tool("report", folder / "percentiles-input.log", "-o", folder / "percentiles.html")
     tool("report", folder / "step-keys-input.log", "-o", folder / "steps.html", "--skip-first", "1")
-    # Relative paths, so that the page (and the README's picture of it) names no temporary folder.
     shape = ["--graphs", 4, "--executions", 100, "--steps", 40, "--seed", 3]
     tool("synth", "-o", "base.log", *shape, cwd=folder)
     scales = [argument for name, factor in PLANTED.items() for argument in ("--scale", f"{name}={factor}")]

@@ -136,7 +136,7 @@ function logTicks(low, high, count) {
       const tick = power * factor;
       if (tick >= low && tick <= high) ticks.push(tick);
     }
-  if (ticks.length < 3) return linearTicks(low, high, count - 2);  // a narrow range: plain steps
+  if (ticks.length < 3) return linearTicks(low, high, count);  // a narrow range: plain steps
   if (ticks.length <= count) return ticks;
   const powers = ticks.filter((tick) => Math.log10(tick) % 1 === 0);
   return powers.length >= 2 ? powers : [ticks[0], ticks[ticks.length - 1]];
@@ -1064,7 +1064,7 @@ function drawForest(row, scale, width, threshold) {
         svg('text', {
           class: 'beyond-label',
           x: right ? back - 3 : back + 3,
-          y: height / 2 - 3,
+          y: height / 2 + 4,
           'text-anchor': right ? 'end' : 'start',
           text: formatSigned(row.changePercent) + ' %'
         }));
@@ -1090,7 +1090,7 @@ function buildComparison() {
     columns: comparisonColumns,
     picture: {
       header: [
-        el('span', {}, `change, band \u00b1${threshold} %, axis \u00b1${formatPercent(reach)} %`),
+        el('span', {}, `change %, band \u00b1${threshold}`),
         axis
       ],
       draw: (item) => drawForest(item.row, scale, width, threshold)
