@@ -58,15 +58,22 @@ std::vector<uint64_t> gapsOf(const std::vector<uint64_t>& index) {
   return gaps;
 }
 
-void writeSeries(std::ostream& out, const PageSeries& series) {
-  out << "{\"kind\": ";
-  writeJsonString(out, seriesKindName(series.kind));
+// "kind": K, "name": N, "parent": P, "occurrence": O: what identifies a series in its graph.
+void writeSeriesKey(std::ostream& out, SeriesKind kind, const std::string& name,
+                    const std::optional<std::string>& parent, std::optional<uint64_t> occurrence) {
+  out << "\"kind\": ";
+  writeJsonString(out, seriesKindName(kind));
   out << ", \"name\": ";
-  writeJsonString(out, series.name);
+  writeJsonString(out, name);
   out << ", \"parent\": ";
-  writeOptionalString(out, series.parent);
-  out << ", \"occurrence\": " << formatOptional(series.occurrence)
-      << ", \"share\": " << formatFixed(series.share) << ", \"summary\": ";
+  writeOptionalString(out, parent);
+  out << ", \"occurrence\": " << formatOptional(occurrence);
+}
+
+void writeSeries(std::ostream& out, const PageSeries& series) {
+  out << '{';
+  writeSeriesKey(out, series.kind, series.name, series.parent, series.occurrence);
+  out << ", \"share\": " << formatFixed(series.share) << ", \"summary\": ";
   writeSummaryJson(out, series.summary);
   out << ", \"box\": ";
   if (series.box)
@@ -132,13 +139,9 @@ void writeComparisonRow(std::ostream& out, const PageComparisonRow& shown) {
   const ComparisonRow& row = shown.row;
   out << "{\"graph\": ";
   writeJsonString(out, row.graph);
-  out << ", \"series\": ";
-  writeJsonString(out, seriesKindName(row.kind));
-  out << ", \"name\": ";
-  writeJsonString(out, row.name);
-  out << ", \"parent\": ";
-  writeOptionalString(out, row.parent);
-  out << ", \"occurrence\": " << formatOptional(row.occurrence) << ", \"verdict\": ";
+  out << ", ";
+  writeSeriesKey(out, row.kind, row.name, row.parent, row.occurrence);
+  out << ", \"verdict\": ";
   writeJsonString(out, verdictName(row.verdict));
   out << ", \"base\": ";
   writeComparedSideJson(out, row.base);

@@ -176,8 +176,8 @@ function readState() {
   const params = new URLSearchParams(location.hash.slice(1));
   const number = (name) =>
       (params.has(name) && /^\d+$/.test(params.get(name)) ? Number(params.get(name)) : null);
-  const oneOf = (name, keys, fallback) => (keys.includes(params.get(name)) ? params.get(name) :
-                                                                            fallback);
+  const oneOf = (name, keys, fallback) =>
+      (keys.includes(params.get(name)) ? params.get(name) : fallback);
   state.view = params.get('view') === 'comparison' && comparison ? 'comparison' : 'steps';
   state.graph = Math.min(number('graph') || 0, Math.max(run.graphs.length - 1, 0));
   state.measure = oneOf('measure', ['span', 'wait'], 'span');
@@ -262,8 +262,9 @@ function liveTable(spec) {
   let selected = null;  // the row whose detail is open
   let shown = [];
   const headers = spec.columns.map((column) => {
-    const sortButton = el('button', {type: 'button'}, column.label,
-                          column.unit && unit ? el('span', {class: 'unit'}, ` ${unit}`) : null);
+    const sortButton =
+        el('button', {type: 'button'}, column.label,
+           column.unit && unit ? el('span', {class: 'unit'}, ` ${unit}`) : null);
     sortButton.addEventListener('click', () => spec.onSort(column));
     return el('th', {class: cellClass(column), 'data-key': column.key}, sortButton);
   });
@@ -327,8 +328,8 @@ function liveTable(spec) {
     },
     // Shows items in their order: rows not among them are hidden, the others moved into place.
     show(items) {
-      const same = items.length === shown.length &&
-          items.every((item, i) => item.index === shown[i].index);
+      const same =
+          items.length === shown.length && items.every((item, i) => item.index === shown[i].index);
       if (same) {  // opening a row or paging back to what is shown moves nothing
         this.placeDetail(detailItem, detailItem ? detail.firstChild.firstChild : null);
         return;
@@ -408,8 +409,7 @@ function seriesKey(graph, kind, name, parent, occurrence) {
 const comparedSeries = new Map(
     comparison ?
         comparison.rows.map(
-            (row) =>
-                [seriesKey(row.graph, row.series, row.name, row.parent, row.occurrence), row]) :
+            (row) => [seriesKey(row.graph, row.kind, row.name, row.parent, row.occurrence), row]) :
         []);
 
 function comparedRow(graph, series) {
@@ -476,8 +476,10 @@ function renderGraphHeader() {
   const queue = graph.series.find((s) => s.kind === 'queueWait');
   const explained = duration.mean ? (graph.stepMeanSum / duration.mean) * 100 : null;
   const queueFigures = queue ?
-      [figure('queue wait p50', withUnit(queue.summary.p50)),
-       figure('queue wait p99', withUnit(queue.summary.p99))] :
+      [
+        figure('queue wait p50', withUnit(queue.summary.p50)),
+        figure('queue wait p99', withUnit(queue.summary.p99))
+      ] :
       [];
   section.replaceChildren(
       el('h2', {}, 'Graph ', el('q', {}, graph.name)),
@@ -494,34 +496,44 @@ function renderGraphHeader() {
 
 // ---- the steps table ----
 
-const stepColumns = [
-  {key: 'name', label: 'step', text: true, value: (i) => i.series.name, format: formatText},
-  {key: 'parent', label: 'parent', text: true, value: (i) => i.series.parent, format: formatText},
-  {key: 'occurrence', label: '#', value: (i) => i.series.occurrence},
-  {key: 'share', label: 'share %', value: (i) => i.series.share, format: formatPercent},
-  {key: 'count', label: 'count', value: (i) => i.series.summary.count},
-  {key: 'mean', label: 'mean', unit: true, value: (i) => i.series.summary.mean},
-  {key: 'p50', label: 'p50', unit: true, value: (i) => i.series.summary.p50},
-  {key: 'p90', label: 'p90', unit: true, value: (i) => i.series.summary.p90},
-  {key: 'p99', label: 'p99', unit: true, value: (i) => i.series.summary.p99},
-  {key: 'max', label: 'max', unit: true, value: (i) => i.series.summary.max},
-  {key: 'first', label: 'first', unit: true, value: (i) => i.series.summary.first},
-].concat(
-    comparison ?
-        [{
-          key: 'basep50',
-          label: 'base p50',
-          unit: true,
-          value: (i) => (i.compared ? i.compared.base.p50 : null)
-        },
-         {
-           key: 'change',
-           label: 'change %',
-           value: (i) => (i.compared ? i.compared.changePercent : null),
-           format: formatSigned,
-           cellClass: 'change'
-         }] :
-        []);
+const stepColumns =
+    [
+      {key: 'name', label: 'step', text: true, value: (i) => i.series.name, format: formatText},
+      {
+        key: 'parent',
+        label: 'parent',
+        text: true,
+        value: (i) => i.series.parent,
+        format: formatText
+      },
+      {key: 'occurrence', label: '#', value: (i) => i.series.occurrence},
+      {key: 'share', label: 'share %', value: (i) => i.series.share, format: formatPercent},
+      {key: 'count', label: 'count', value: (i) => i.series.summary.count},
+      {key: 'mean', label: 'mean', unit: true, value: (i) => i.series.summary.mean},
+      {key: 'p50', label: 'p50', unit: true, value: (i) => i.series.summary.p50},
+      {key: 'p90', label: 'p90', unit: true, value: (i) => i.series.summary.p90},
+      {key: 'p99', label: 'p99', unit: true, value: (i) => i.series.summary.p99},
+      {key: 'max', label: 'max', unit: true, value: (i) => i.series.summary.max},
+      {key: 'first', label: 'first', unit: true, value: (i) => i.series.summary.first},
+    ]
+        .concat(
+            comparison ?
+                [
+                  {
+                    key: 'basep50',
+                    label: 'base p50',
+                    unit: true,
+                    value: (i) => (i.compared ? i.compared.base.p50 : null)
+                  },
+                  {
+                    key: 'change',
+                    label: 'change %',
+                    value: (i) => (i.compared ? i.compared.changePercent : null),
+                    format: formatSigned,
+                    cellClass: 'change'
+                  }
+                ] :
+                []);
 
 // The series of the graph of the measured kind, each with its index in the graph.
 function stepItems(graph, measure) {
@@ -538,10 +550,9 @@ function drawBox(series, scale, width) {
   const [p1, p25, p50, p75, p99] = series.box;
   const x = (value) => scale(value).toFixed(1);
   picture.append(
-      tooltip(
-          `p1 ${formatValue(p1)}, p25 ${formatValue(p25)}, p50 ${formatValue(p50)}, p75 ${
-              formatValue(p75)}, p99 ${formatValue(p99)}, max ${
-              formatValue(series.summary.max)} ${unit}`),
+      tooltip(`p1 ${formatValue(p1)}, p25 ${formatValue(p25)}, p50 ${formatValue(p50)}, p75 ${
+          formatValue(
+              p75)}, p99 ${formatValue(p99)}, max ${formatValue(series.summary.max)} ${unit}`),
       svg('line', {class: 'whisker', x1: x(p1), x2: x(p99), y1: 9, y2: 9}),
       svg('line', {class: 'whisker', x1: x(p1), x2: x(p1), y1: 5, y2: 13}),
       svg('line', {class: 'whisker', x1: x(p99), x2: x(p99), y1: 5, y2: 13}), svg('rect', {
@@ -589,7 +600,8 @@ function stepTable(graph, measure) {
       draw: (item) => drawBox(item.series, scale, width)
     },
     rowClass: (item) => (item.compared ? [item.compared.verdict] : []),
-    onSort: (column) => update({sort: column.key, dir: nextDirection(column, state.sort, state.dir)}),
+    onSort: (column) =>
+        update({sort: column.key, dir: nextDirection(column, state.sort, state.dir)}),
     onOpen: (item) => openStep(item.index === state.step ? null : item.index)
   });
   const entry = {table, items};
@@ -598,13 +610,13 @@ function stepTable(graph, measure) {
 }
 
 const stepsBar = toolbar('filter', 'Filter steps by name', (value) => update({filter: value}));
-const measureSwitch = el(
-    'div', {class: 'switch', role: 'group', 'aria-label': 'Figures of each step'},
-    [['span', 'Spans'], ['wait', 'Waits']].map(([measure, label]) => {
-      const node = el('button', {type: 'button', 'data-measure': measure}, label);
-      node.addEventListener('click', () => update({measure: measure, step: null}));
-      return node;
-    }));
+const measureSwitch =
+    el('div', {class: 'switch', role: 'group', 'aria-label': 'Figures of each step'},
+       [['span', 'Spans'], ['wait', 'Waits']].map(([measure, label]) => {
+         const node = el('button', {type: 'button', 'data-measure': measure}, label);
+         node.addEventListener('click', () => update({measure: measure, step: null}));
+         return node;
+       }));
 const showAllSteps = button('show-all', '', () => update({all: !state.all}));
 const copyButton = button('copy-csv', 'Copy table as CSV', () => copyCsv());
 stepsBar.element.insertBefore(measureSwitch, stepsBar.status);
@@ -632,9 +644,8 @@ function renderSteps() {
   measureSwitch.hidden = !graph.series.some((s) => s.kind === 'wait');
   const matching =
       items.filter((item) => matchesFilter(state.filter, item.series.name, item.series.parent));
-  const sorted =
-      sortItems(matching, stepColumns.find((c) => c.key === state.sort) || stepColumns[3],
-                state.dir);
+  const sorted = sortItems(
+      matching, stepColumns.find((c) => c.key === state.sort) || stepColumns[3], state.dir);
   const visible = state.all ? sorted : sorted.slice(0, topRows);
   table.sortedBy(state.sort, state.dir);
   table.show(visible);
@@ -776,7 +787,8 @@ function verticalMarks(picture, marks) {
     placed.push({line, from, to: from + width});
     const y = plot.top - 4 - line * 14;
     picture.append(
-        svg('line', {class: 'mark ' + (cls || ''), x1: x, x2: x, y1: y + 2, y2: plot.height - plot.bottom}),
+        svg('line',
+            {class: 'mark ' + (cls || ''), x1: x, x2: x, y1: y + 2, y2: plot.height - plot.bottom}),
         svg('text', {
           class: 'label ' + (cls || ''),
           x: right ? x - 3 : x + 3,
@@ -864,8 +876,9 @@ function drawExecutions(series) {
   if (points.skipped)
     marks.push({x: x(points.skipped - 0.5), label: `--skip-first ${data.skipFirst}`, cls: 'cut'});
   if (series.summary.first !== null && (!points.gaps || points.gaps[0] === 0)) {
-    picture.append(svg('circle', {class: 'first', cx: x(0), cy: y(series.summary.first), r: 5},
-                       tooltip(`first execution: ${withUnit(series.summary.first)}`)));
+    picture.append(
+        svg('circle', {class: 'first', cx: x(0), cy: y(series.summary.first), r: 5},
+            tooltip(`first execution: ${withUnit(series.summary.first)}`)));
     marks.push({x: x(0), label: 'first (cold)', cls: 'first-mark'});
   }
   verticalMarks(picture, marks);
@@ -900,17 +913,16 @@ function buildStepPanel(series) {
   stepPanel.replaceChildren(
       el('header', {}, el('h2', {}, seriesTitle(series)),
          closeButton('close-detail', () => closeDetail())),
-      el('ul', {class: 'figures'},
-         figure('count', formatValue(s.count)),
+      el('ul', {class: 'figures'}, figure('count', formatValue(s.count)),
          ['mean', 'stddev', 'min', 'p50', 'p90', 'p99', 'max', 'first'].map(
              (key) => figure(key, withUnit(s[key])))),
       s.count === 0 ?
           el('p', {class: 'note'}, 'No counted execution has this series.') :
           el('div', {class: 'pictures'},
              el('figure', {id: 'histogram'},
-                drawHistogram(series.histogram, 'histogram', [
-                  {value: s.p50, label: 'p50'}, {value: s.p99, label: 'p99'}
-                ]),
+                drawHistogram(
+                    series.histogram, 'histogram',
+                    [{value: s.p50, label: 'p50'}, {value: s.p99, label: 'p99'}]),
                 el('figcaption', {},
                    `Histogram of the ${formatValue(s.count)} counted values in ${
                        series.histogram.counts.length} bins of equal width` +
@@ -948,9 +960,8 @@ function closeDetail() {
   const focused = state.view === 'steps' ? state.step : state.row;
   if (focused === null) return;
   update(state.view === 'steps' ? {step: null} : {row: null});
-  const table = state.view === 'steps' ?
-      stepTable(run.graphs[state.graph], state.measure).table :
-      comparisonView && comparisonView.table;
+  const table = state.view === 'steps' ? stepTable(run.graphs[state.graph], state.measure).table :
+                                         comparisonView && comparisonView.table;
   const row = table && table.rowOfIndex(focused);
   if (row && !row.hidden) row.focus({preventScroll: true});
 }
@@ -965,7 +976,14 @@ const verdictSigns = {
   added: '+ added',
   removed: '\u2212 removed'
 };
-const verdictRank = {slower: 0, faster: 1, unsure: 2, same: 3, added: 4, removed: 5};
+const verdictRank = {
+  slower: 0,
+  faster: 1,
+  unsure: 2,
+  same: 3,
+  added: 4,
+  removed: 5
+};
 
 const comparisonColumns = [
   {
@@ -978,7 +996,7 @@ const comparisonColumns = [
     cell: (i) => verdictSigns[i.row.verdict] || i.row.verdict
   },
   {key: 'graph', label: 'graph', text: true, value: (i) => i.row.graph, format: formatText},
-  {key: 'series', label: 'series', text: true, value: (i) => i.row.series, format: formatText},
+  {key: 'series', label: 'series', text: true, value: (i) => i.row.kind, format: formatText},
   {key: 'name', label: 'name', text: true, value: (i) => i.row.name, format: formatText},
   {key: 'parent', label: 'parent', text: true, value: (i) => i.row.parent, format: formatText},
   {key: 'basep50', label: 'base p50', unit: true, value: (i) => i.row.base.p50},
@@ -1050,7 +1068,8 @@ function drawForest(row, scale, width, threshold) {
       y2: height / 2
     }));
   if (inside(row.changePercent)) {
-    g.append(svg('circle', {class: 'estimate', cx: scale(row.changePercent), cy: height / 2, r: 3.5}));
+    g.append(
+        svg('circle', {class: 'estimate', cx: scale(row.changePercent), cy: height / 2, r: 3.5}));
   } else {
     // Beyond the axis: an arrow at its edge and the value beside it.
     const right = row.changePercent > 0;
@@ -1089,10 +1108,7 @@ function buildComparison() {
     id: 'comparison-table',
     columns: comparisonColumns,
     picture: {
-      header: [
-        el('span', {}, `change %, band \u00b1${threshold}`),
-        axis
-      ],
+      header: [el('span', {}, `change %, band \u00b1${threshold}`), axis],
       draw: (item) => drawForest(item.row, scale, width, threshold)
     },
     rowClass: (item) => [item.row.verdict],
@@ -1100,7 +1116,8 @@ function buildComparison() {
         update({csort: column.key, cdir: nextDirection(column, state.csort, state.cdir)}),
     onOpen: (item) => openRow(item.index === state.row ? null : item.index)
   });
-  const bar = toolbar('comparison-filter', 'Filter series by name', (value) => update({cfilter: value}));
+  const bar =
+      toolbar('comparison-filter', 'Filter series by name', (value) => update({cfilter: value}));
   const sameButton = button('show-same', '', () => update({same: !state.same}));
   const allButton = button('show-all-rows', '', () => update({call: !state.call}));
   bar.element.insertBefore(sameButton, bar.status);
@@ -1141,7 +1158,7 @@ function renderComparison() {
   setFilterValue(bar.filter, state.cfilter);
   const matching = items.filter(
       (item) => matchesFilter(
-          state.cfilter, item.row.name, item.row.parent, item.row.graph, item.row.series));
+          state.cfilter, item.row.name, item.row.parent, item.row.graph, item.row.kind));
   const folded = state.same ? 0 : matching.filter((item) => item.row.verdict === 'same').length;
   const unfolded = state.same ? matching : matching.filter((item) => item.row.verdict !== 'same');
   const sorted = sortItems(
@@ -1155,8 +1172,8 @@ function renderComparison() {
   sameButton.textContent = state.same ? 'Fold the same rows' : `Show ${sameCount} same rows`;
   allButton.hidden = sorted.length <= topRows;
   allButton.textContent = state.call ? `Show the top ${topRows}` : `Show all ${sorted.length}`;
-  bar.status.textContent = `${visible.length} of ${items.length} series` +
-      (folded ? `, ${folded} same folded` : '');
+  bar.status.textContent =
+      `${visible.length} of ${items.length} series` + (folded ? `, ${folded} same folded` : '');
   note.textContent = matching.length === 0 ? 'No series matches the filter.' : '';
   note.hidden = !note.textContent;
   renderOverlay(table);
@@ -1168,29 +1185,32 @@ let shownRow = null;
 const overlayPanel = el('div', {id: 'overlay', class: 'panel'});
 
 function buildOverlayPanel(row) {
-  const parts = [el(
-      'header', {},
-      el('h3', {},
-         `${verdictSigns[row.verdict]}: ${row.name} (${row.series} of ${row.graph}), ${
-             formatChange(row.changePercent, row.interval)}`),
-      closeButton('close-overlay', () => closeDetail()))];
-  parts.push(el(
-      'ul', {class: 'figures'}, figure('base count', formatValue(row.base.count)),
-      figure('base p50', withUnit(row.base.p50)), figure('new count', formatValue(row.new.count)),
-      figure('new p50', withUnit(row.new.p50)),
-      figure('change', formatChange(row.changePercent, row.interval)),
-      figure('margin', missing(row.margin) ? '-' : `\u00b1${formatPercent(row.margin)} %`),
-      figure('p adjusted', formatP(row.pAdjusted)), figure('needed', formatNeeded(row.needed))));
+  const parts =
+      [el('header', {},
+          el('h3', {},
+             `${verdictSigns[row.verdict]}: ${row.name} (${row.kind} of ${row.graph}), ${
+                 formatChange(row.changePercent, row.interval)}`),
+          closeButton('close-overlay', () => closeDetail()))];
+  parts.push(
+      el('ul', {class: 'figures'}, figure('base count', formatValue(row.base.count)),
+         figure('base p50', withUnit(row.base.p50)),
+         figure('new count', formatValue(row.new.count)), figure('new p50', withUnit(row.new.p50)),
+         figure('change', formatChange(row.changePercent, row.interval)),
+         figure('margin', missing(row.margin) ? '-' : `\u00b1${formatPercent(row.margin)} %`),
+         figure('p adjusted', formatP(row.pAdjusted)), figure('needed', formatNeeded(row.needed))));
   if (row.overlay) {
     const bins = (counts) => Object.assign({}, row.overlay, {counts});
-    const picture = drawHistogram(bins(row.overlay.new), 'base and new distributions', [
-      {value: row.base.p50, label: `base p50 ${formatValue(row.base.p50)}`, cls: 'base-mark'},
-      {value: row.new.p50, label: `new p50 ${formatValue(row.new.p50)}`, cls: 'new-mark'}
-    ], bins(row.overlay.base));
-    parts.push(el(
-        'figure', {}, picture,
-        el('figcaption', {}, el('span', {class: 'swatch base'}), ' base run (outline)  ',
-           el('span', {class: 'swatch new'}), ' new run (filled), on the same bins')));
+    const picture = drawHistogram(
+        bins(row.overlay.new), 'base and new distributions',
+        [
+          {value: row.base.p50, label: `base p50 ${formatValue(row.base.p50)}`, cls: 'base-mark'},
+          {value: row.new.p50, label: `new p50 ${formatValue(row.new.p50)}`, cls: 'new-mark'}
+        ],
+        bins(row.overlay.base));
+    parts.push(
+        el('figure', {}, picture,
+           el('figcaption', {}, el('span', {class: 'swatch base'}), ' base run (outline)  ',
+              el('span', {class: 'swatch new'}), ' new run (filled), on the same bins')));
   } else {
     parts.push(el('p', {class: 'note'}, 'Only one run has values of this series.'));
   }
