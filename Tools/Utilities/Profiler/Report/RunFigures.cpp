@@ -22,6 +22,8 @@ GraphFigures figureGraph(const GraphStatistics& graph, std::map<SeriesKey, Order
   const std::vector<std::optional<double>> shares = computeStepShares(graph);
   size_t step = 0;
   for (const SeriesRef& ref : listSeries(graph)) {
+    if (ref.kind == SeriesKind::backend)
+      continue; // the page draws no back-end record, so their figures would be dead weight
     PageSeries series = figurePageSeries(ref);
     if (ref.kind == SeriesKind::span) {
       series.share = shares[step++];

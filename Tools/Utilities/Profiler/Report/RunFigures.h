@@ -28,7 +28,7 @@ struct GraphFigures {
   uint64_t executions = 0; // counted and skipped
   uint64_t skipped = 0;
   double stepMeanSum = 0;         // the sum of the steps' mean spans
-  std::vector<PageSeries> series; // in the order of listSeries
+  std::vector<PageSeries> series; // in the order of listSeries, back-end records left out
 };
 
 struct RunFigures {

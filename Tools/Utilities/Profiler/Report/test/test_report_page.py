@@ -184,6 +184,9 @@ def test_the_wait_switch_shows_the_waits(browser, reports):
     open_page(browser, reports / "steps.html")
     assert "queue wait p50" in browser.find_element(By.ID, "graph").text
     assert " us" in browser.find_element(By.ID, "graph").text
+    browser.find_element(By.ID, "queue-detail").click()
+    assert "queueWait" in browser.find_element(By.CSS_SELECTOR, "#detail h2").text
+    assert browser.find_elements(By.CSS_SELECTOR, "#detail #histogram svg rect.bar")
     open_page(browser, page, url[url.index("#"):])
     assert browser.find_element(By.CSS_SELECTOR, "button[data-measure='wait']").get_attribute("aria-pressed") == "true"
     assert column(browser, 6) != spans
@@ -249,6 +252,8 @@ def test_a_comparison_row_opens_under_itself_in_view(browser, reports):
     assert browser.execute_script(
         "const r = arguments[0].getBoundingClientRect(); return r.top >= 0 && r.bottom <= innerHeight", overlay)
     assert overlay.find_elements(By.CSS_SELECTOR, "svg path.base")
+    assert overlay.find_elements(By.CSS_SELECTOR, "figure.row-change svg rect.band")
+    assert overlay.find_elements(By.CSS_SELECTOR, "figure.row-change svg line.interval")
     expect_labels_apart(browser, overlay)
     browser.find_element(By.TAG_NAME, "body").send_keys(Keys.ESCAPE)
     assert browser.find_elements(By.ID, "overlay") == [] or not browser.find_element(By.ID, "overlay").is_displayed()

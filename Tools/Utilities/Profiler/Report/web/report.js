@@ -491,7 +491,12 @@ function renderGraphHeader() {
          figure('mean duration', withUnit(duration.mean)),
          figure('sum of step means', withUnit(graph.stepMeanSum)),
          figure('steps explain', explained === null ? '-' : formatPercent(explained) + ' %'),
-         el('li', {}, button('duration-detail', 'Duration detail', () => openStep(0)))));
+         el('li', {}, button('duration-detail', 'Duration detail', () => openStep(0))),
+         queue ? el('li', {},
+                    button(
+                        'queue-detail', 'Queue wait detail',
+                        () => openStep(graph.series.indexOf(queue)))) :
+                 null));
 }
 
 // ---- the steps table ----
@@ -1198,6 +1203,7 @@ function buildOverlayPanel(row) {
          figure('change', formatChange(row.changePercent, row.interval)),
          figure('margin', missing(row.margin) ? '-' : `\u00b1${formatPercent(row.margin)} %`),
          figure('p adjusted', formatP(row.pAdjusted)), figure('needed', formatNeeded(row.needed))));
+  if (!missing(row.changePercent)) parts.push(drawRowChange(row));
   if (row.overlay) {
     const bins = (counts) => Object.assign({}, row.overlay, {counts});
     const picture = drawHistogram(
@@ -1215,6 +1221,24 @@ function buildOverlayPanel(row) {
     parts.push(el('p', {class: 'note'}, 'Only one run has values of this series.'));
   }
   overlayPanel.replaceChildren(...parts);
+}
+
+// The row's change, interval and band on an axis of its own, wide enough for all three.
+function drawRowChange(row) {
+  const ends = [row.changePercent, ...(row.interval || []), row.margin || 0, -(row.margin || 0)];
+  const reach = Math.max(...ends.map(Math.abs), 1) * 1.15;
+  const width = 560;
+  const scale = linearScale(-reach, reach, 6, width - 6);
+  const format = (t) => (t > 0 ? '+' : '') + formatShort(t) + ' %';
+  return el(
+      'figure', {class: 'row-change'},
+      drawAxis(linearTicks(-reach, reach, 6), scale, width, format),
+      drawForest(row, scale, width, comparison.threshold),
+      el('figcaption', {},
+         `Change ${formatChange(row.changePercent, row.interval)}: the dot, its ${
+             Math.round((1 - 2 * comparison.alpha) * 100)} % interval the line, ` +
+             (missing(row.margin) ? 'no band (no base median).' :
+                                    `the band \u00b1${formatPercent(row.margin)} %.`)));
 }
 
 function renderOverlay(table) {
