@@ -252,33 +252,33 @@ function cellClass(column) {
 }
 
 // The table of items (each with an index): its rows are made when first shown and from then on
-// only moved, hidden and shown. spec: {id, columns, picture: {header, draw(item)}, rowClass(item),
-// onSort(column), onOpen(item)}. A column: {key, label, text, unit, value(item) to sort by, and
-// format(value) or cell(item) for its text}.
-function liveTable(spec) {
+// only moved, hidden and shown. design: {id, columns, picture: {header, draw(item)},
+// rowClass(item), onSort(column), onOpen(item)}. A column: {key, label, text, unit, value(item) to
+// sort by, and format(value) or cell(item) for its text}.
+function liveTable(design) {
   const made = new Map();
-  const detail = el('tr', {class: 'detail-row'}, el('td', {colspan: spec.columns.length + 1}));
+  const detail = el('tr', {class: 'detail-row'}, el('td', {colspan: design.columns.length + 1}));
   let detailItem = null;
   let selected = null;  // the row whose detail is open
   let shown = [];
-  const headers = spec.columns.map((column) => {
+  const headers = design.columns.map((column) => {
     const sortButton =
         el('button', {type: 'button'}, column.label,
            column.unit && unit ? el('span', {class: 'unit'}, ` ${unit}`) : null);
-    sortButton.addEventListener('click', () => spec.onSort(column));
+    sortButton.addEventListener('click', () => design.onSort(column));
     return el('th', {class: cellClass(column), 'data-key': column.key}, sortButton);
   });
   const body = el('tbody', {});
-  const table =
-      el('table', {id: spec.id, class: 'live'},
-         el('thead', {}, el('tr', {}, headers, el('th', {class: 'picture'}, spec.picture.header))),
-         body);
+  const table = el(
+      'table', {id: design.id, class: 'live'},
+      el('thead', {}, el('tr', {}, headers, el('th', {class: 'picture'}, design.picture.header))),
+      body);
 
   // Rows are clones of one empty row, and each row's picture is drawn once it nears the view:
   // showing thousands of rows then costs little more than their text.
-  const prototype =
-      el('tr', {tabindex: '0'}, spec.columns.map((column) => el('td', {class: cellClass(column)})),
-         el('td', {class: 'picture'}));
+  const prototype = el(
+      'tr', {tabindex: '0'}, design.columns.map((column) => el('td', {class: cellClass(column)})),
+      el('td', {class: 'picture'}));
   const itemOf = new Map();
   const drawn = new Set();
   function drawPicture(row) {
@@ -286,7 +286,7 @@ function liveTable(spec) {
     if (drawn.has(index)) return;
     drawn.add(index);
     observer.unobserve(row);
-    row.lastChild.append(spec.picture.draw(itemOf.get(index)));
+    row.lastChild.append(design.picture.draw(itemOf.get(index)));
   }
   const observer = new IntersectionObserver((entries) => {
     for (const entry of entries)
@@ -298,18 +298,18 @@ function liveTable(spec) {
     if (row) return row;
     row = prototype.cloneNode(true);
     row.dataset.index = String(item.index);
-    spec.columns.forEach((column, i) => {
+    design.columns.forEach((column, i) => {
       row.children[i].textContent =
           column.cell ? column.cell(item) : (column.format || formatValue)(column.value(item));
     });
-    if (spec.rowClass) row.classList.add(...spec.rowClass(item));
+    if (design.rowClass) row.classList.add(...design.rowClass(item));
     itemOf.set(item.index, item);
     observer.observe(row);
-    row.addEventListener('click', () => spec.onOpen(item));
+    row.addEventListener('click', () => design.onOpen(item));
     row.addEventListener('keydown', (event) => {
       if (event.target === row && (event.key === 'Enter' || event.key === ' ')) {
         event.preventDefault();
-        spec.onOpen(item);
+        design.onOpen(item);
       }
     });
     made.set(item.index, row);
@@ -320,7 +320,7 @@ function liveTable(spec) {
     element: table,
     sortedBy(key, dir) {
       headers.forEach((th, i) => {
-        if (spec.columns[i].key === key)
+        if (design.columns[i].key === key)
           th.setAttribute('aria-sort', dir === 'asc' ? 'ascending' : 'descending');
         else
           th.removeAttribute('aria-sort');
