@@ -5,6 +5,7 @@
 #include "FrameColumns.h"
 #include "tables/SeriesFigures.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #if defined(__GLIBC__)
@@ -170,7 +171,10 @@ py::object makeComparisonFrame(const Comparison& comparison) {
        {"qValue", optionalDoubleColumn(rows, [](const Row& row) { return row.qValue; })},
        {"verdict",
         textColumn(rows, [](const Row& row) { return std::optional(verdictName(row.verdict)); })},
-       {"needed", optionalIntegerColumn(rows, [](const Row& row) { return row.needed; })}});
+       {"needed", optionalIntegerColumn(rows, [](const Row& row) {
+          return row.needed ? std::optional(std::max(row.needed->base, row.needed->next))
+                            : std::nullopt;
+        })}});
 }
 
 py::list describeGraphShifts(const Comparison& comparison) {

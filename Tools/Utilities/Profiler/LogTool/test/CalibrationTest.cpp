@@ -49,7 +49,7 @@ bool onlyTheScaledStepSlower(const Comparison& comparison, const std::string& st
 bool unsureWithMoreExecutionsNeeded(const Comparison& comparison, const std::string& step) {
   const ComparisonRow* scaled = findRow(comparison, SeriesKind::span, step);
   return scaled && scaled->verdict == Verdict::unsure && scaled->needed &&
-         *scaled->needed > scaled->base.count;
+         scaled->needed->base > scaled->base.count;
 }
 
 bool durationAndEverySpanSlower(const Comparison& comparison, const std::string&) {

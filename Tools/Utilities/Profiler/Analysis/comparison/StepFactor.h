@@ -1,0 +1,39 @@
+// The factor by which a whole run moved, as its steps tell it: on log values, the median over a
+// graph's step series of each series' shift. One step that moved, however large its share,
+// moves the median by at most one place, where the duration's shift would carry it whole.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace kvt::profiling {
+
+// The shift of one series on log values: log(new median) - log(base median), each a nearest-rank
+// median of a sorted sample (the median of the logs is the log of the median). None when a
+// median is 0.
+std::optional<double> logShift(std::span<const uint64_t> sortedBase,
+                               std::span<const uint64_t> sortedNew);
+
+class StepFactor {
+public:
+  // The log shifts of the graph's step series, in any order.
+  explicit StepFactor(std::vector<double> logShifts);
+
+  // exp of the median of every log shift; 1 when there are none. Example: {0, 0.1, 0.26} gives
+  // exp(0.1).
+  double ratio() const { return ratioWithout(std::nullopt); }
+
+  // exp of the median of the others when the series judged has the log shift own (one of those
+  // given), which keeps a series from judging itself; 1 when no other is left. Example: {0, 0.1,
+  // 0.26} without 0.26 gives exp(0.05).
+  double ratioWithout(std::optional<double> own) const;
+
+  uint64_t seriesCount() const { return sorted.size(); }
+
+private:
+  std::vector<double> sorted;
+};
+
+} // namespace kvt::profiling
