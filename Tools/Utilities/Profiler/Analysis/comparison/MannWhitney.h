@@ -11,7 +11,7 @@ namespace kvt::profiling {
 
 // U of two sorted samples and what its null distribution depends on.
 struct RankStatistic {
-  double u = 0;     // pairs whose value in a is above the one in b, ties counted half
+  double u = 0;       // pairs whose value in a is above the one in b, ties counted half
   double tieTerm = 0; // sum of t^3 - t over the runs of t equal values of both samples together
   uint64_t sizeA = 0;
   uint64_t sizeB = 0;
@@ -43,8 +43,8 @@ public:
   uint64_t lowerBoundRank(double confidence) const;
 
 private:
-  double pairs = 0;    // n x m
-  double variance = 0; // of the normal approximation
+  double pairs = 0;              // n x m
+  double variance = 0;           // of the normal approximation
   std::vector<double> lowerTail; // exact: P(U <= u) for u from 0 to n x m / 2
 };
 

@@ -68,15 +68,11 @@ bool judgedNetOfRunShift(SeriesKind kind) {
   return kind == SeriesKind::backend || kind == SeriesKind::span || kind == SeriesKind::wait;
 }
 
-bool isStepSeries(SeriesKind kind) {
-  return kind == SeriesKind::span || kind == SeriesKind::wait;
-}
-
 // A series of base and its match in new, when new has one.
 struct SeriesPair {
   const SeriesRef* base = nullptr;
   const SeriesRef* next = nullptr;
-  std::optional<double> logShift; // step series of both runs only
+  std::optional<double> logShift; // steps' spans of both runs only
 };
 
 class GraphComparer {
@@ -120,7 +116,8 @@ private:
       if (it != nextByKey.end()) {
         matched[it->second] = true;
         pair.next = &nextSeries[it->second];
-        if (isStepSeries(series.kind))
+        // Waits are left out: short and in whole units, their medians move in coarse steps.
+        if (series.kind == SeriesKind::span)
           pair.logShift = logShift(series.series->values, pair.next->series->values);
       }
       pairs.push_back(pair);

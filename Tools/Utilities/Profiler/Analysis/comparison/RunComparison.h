@@ -48,25 +48,25 @@ struct ComparisonRow {
   std::optional<uint64_t> occurrence;
   ComparedSide base;
   ComparedSide next;
-  std::optional<ShiftEstimate> shift;  // in log units; none unless both sides have values
-  std::optional<PercentChange> change; // of the base median; none unless shift and base p50 > 0
-  std::optional<double> pValue;        // two-sided rank test; none unless both sides have values
-  std::optional<double> pAdjusted;     // Holm, over every row with a p-value
-  std::optional<double> qValue;        // Benjamini-Hochberg, over the same rows
+  std::optional<ShiftEstimate> shift;     // in log units; none unless both sides have values
+  std::optional<PercentChange> change;    // of the base median; none unless shift and base p50 > 0
+  std::optional<double> pValue;           // two-sided rank test; none unless both sides have values
+  std::optional<double> pAdjusted;        // Holm, over every row with a p-value
+  std::optional<double> qValue;           // Benjamini-Hochberg, over the same rows
   std::optional<NeededExecutions> needed; // unsure rows: executions per run that would decide
   Verdict verdict = Verdict::same;
 };
 
 // The run-wide change of a graph: the shift of its execution durations, and the factor its steps
 // moved by in common (StepFactor.h). In relative comparisons the new run's back-end values are
-// divided by ratio before they are judged, and each step series' by the median of the other
-// step series' shifts.
+// and waits are divided by ratio before they are judged, and each step's spans by the median of
+// the other steps' shifts.
 struct GraphShift {
   std::string name;
   std::optional<ShiftEstimate> shift;  // none unless both runs have durations
   std::optional<PercentChange> change; // none unless shift and a base median above 0
   double ratio = 1;                    // exp of the median log shift of stepSeries, or 1
-  uint64_t stepSeries = 0; // step series (spans, waits) of both runs with medians above 0
+  uint64_t stepSeries = 0;             // steps' span series of both runs with medians above 0
 };
 
 struct ComparisonTotals {

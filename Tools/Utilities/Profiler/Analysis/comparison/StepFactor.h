@@ -1,5 +1,5 @@
 // The factor by which a whole run moved, as its steps tell it: on log values, the median over a
-// graph's step series of each series' shift. One step that moved, however large its share,
+// graph's steps of the shift of each step's spans. One step that moved, however large its share,
 // moves the median by at most one place, where the duration's shift would carry it whole.
 #pragma once
 

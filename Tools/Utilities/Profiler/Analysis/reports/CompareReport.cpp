@@ -62,7 +62,7 @@ std::string withSign(double value, int decimals) {
 }
 
 // "model: run-wide shift +300.0 (+18.7 %, 98 % interval +17.9 % to +19.5 %); step factor 1.0000
-// (median of 4 step series)"
+// (median of 2 steps)"
 void writeGraphLine(std::ostream& out, const GraphShift& graph, const ComparisonOptions& options) {
   out << graph.name << ": ";
   if (!graph.shift) {
@@ -83,12 +83,12 @@ void writeGraphLine(std::ostream& out, const GraphShift& graph, const Comparison
   }
   if (graph.stepSeries > 0)
     out << "; step factor " << formatFinite(graph.ratio, 4) << " (median of " << graph.stepSeries
-        << " step series)";
+        << " steps)";
   if (options.relative)
     out << (graph.stepSeries > 0
-                ? "; new back-end values judged divided by it, each step series' by the "
-                  "median of the others"
-                : "; no step series of both runs to judge net of");
+                ? "; new back-end values and waits judged divided by it, each step's spans by "
+                  "the median of the other steps"
+                : "; no steps of both runs to judge net of");
   out << '\n';
 }
 

@@ -117,8 +117,8 @@ TEST(RankOracle, FastEstimatesAndExactPValuesEqualBruteForce) {
       const RankStatistic statistic = rankStatistic(base, next);
       const RankSumNull null(statistic);
       const ShiftEstimate estimate = estimateShift(base, next, c.confidence);
-      ASSERT_EQ(estimate.units, (double(differences[(count - 1) / 2]) +
-                                 double(differences[count / 2])) / 2)
+      ASSERT_EQ(estimate.units,
+                (double(differences[(count - 1) / 2]) + double(differences[count / 2])) / 2)
           << base.size() << " x " << next.size();
       const uint64_t rank = null.lowerBoundRank(c.confidence);
       ASSERT_EQ(estimate.interval.has_value(), rank > 0);
