@@ -65,8 +65,8 @@ struct GraphShift {
   std::string name;
   std::optional<ShiftEstimate> shift;  // none unless both runs have durations
   std::optional<PercentChange> change; // none unless shift and a base median above 0
-  double ratio = 1;                    // exp of the median log shift of stepSeries, or 1
-  uint64_t stepSeries = 0;             // steps' span series of both runs with medians above 0
+  double ratio = 1;        // exp of the median log shift of stepSeries; 1 when they are too few
+  uint64_t stepSeries = 0; // steps' span series of both runs with medians above 0
 };
 
 struct ComparisonTotals {

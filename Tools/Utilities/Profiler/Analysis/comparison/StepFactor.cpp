@@ -25,9 +25,9 @@ StepFactor::StepFactor(std::vector<double> logShifts) : sorted(std::move(logShif
 }
 
 double StepFactor::ratioWithout(std::optional<double> own) const {
-  const size_t left = own ? sorted.size() - 1 : sorted.size();
-  if (sorted.empty() || left == 0)
+  if (!exists())
     return 1;
+  const size_t left = own ? sorted.size() - 1 : sorted.size();
   const size_t skipped =
       own ? size_t(std::lower_bound(sorted.begin(), sorted.end(), *own) - sorted.begin())
           : sorted.size();

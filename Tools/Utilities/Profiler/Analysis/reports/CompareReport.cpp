@@ -2,6 +2,7 @@
 #include "CompareReport.h"
 
 #include "ReportText.h"
+#include "comparison/StepFactor.h"
 
 #include <algorithm>
 #include <charconv>
@@ -81,14 +82,14 @@ void writeGraphLine(std::ostream& out, const GraphShift& graph, const Comparison
     out << " (" << level << " % interval " << withSign(graph.shift->interval->low, 1) << " to "
         << withSign(graph.shift->interval->high, 1) << ')';
   }
-  if (graph.stepSeries > 0)
+  const bool hasFactor = graph.stepSeries >= StepFactor::minSeries;
+  if (hasFactor)
     out << "; step factor " << formatFinite(graph.ratio, 4) << " (median of " << graph.stepSeries
         << " steps)";
   if (options.relative)
-    out << (graph.stepSeries > 0
-                ? "; new back-end values and waits judged divided by it, each step's spans by "
-                  "the median of the other steps"
-                : "; no steps of both runs to judge net of");
+    out << (hasFactor ? "; new back-end values and waits judged divided by it, each step's spans "
+                        "by the median of the other steps"
+                      : "; too few steps for a step factor, nothing judged net of one");
   out << '\n';
 }
 
