@@ -3,6 +3,7 @@
 // adjustments for many series, on small known samples.
 #include "comparison/MannWhitney.h"
 #include "comparison/MultipleTesting.h"
+#include "comparison/NeededExecutions.h"
 #include "comparison/ShiftEstimate.h"
 #include "statistics/SeriesSummary.h"
 
@@ -142,6 +143,49 @@ TEST(SeriesRules, AdjustmentsForManySeriesKeepTheOrderOfTheirPValues) {
     for (size_t i = 0; i < c.p.size(); ++i) {
       EXPECT_DOUBLE_EQ(holm[i], c.holm[i]);
       EXPECT_DOUBLE_EQ(q[i], c.q[i]);
+    }
+  }
+}
+
+// The half width at n and m values is z x spread x sqrt((n + m + 1) / (12 n m)); with spread 100
+// and z 2.326, a half width of 10 needs (n + m + 1) / (n m) <= 0.02218.
+TEST(SeriesRules, NeededExecutionsGrowTheSmallerRunFirst) {
+  struct Case {
+    const char* what;
+    double spread;
+    uint64_t base;
+    uint64_t next;
+    std::vector<DecisionTarget> targets;
+    std::optional<NeededExecutions> expected;
+  };
+  const Case cases[] = {
+      {"equal runs grow alike: 183 / 91^2 <= 0.02218", 100, 5, 5, {{10, 2.326}}, {{91, 91}}},
+      {"the smaller run alone reaches it: 260 / (200 x 59)",
+       100,
+       5,
+       200,
+       {{10, 2.326}},
+       {{59, 200}}},
+      {"the smaller run passes the larger, then both grow", 100, 50, 5, {{10, 2.326}}, {{91, 91}}},
+      {"the narrowest target decides", 100, 5, 5, {{20, 2.326}, {10, 2.326}}, {{91, 91}}},
+      {"no spread: the first sizes with an interval, C(10, 5) > 2 / 0.02",
+       0,
+       2,
+       2,
+       {{10, 2.326}},
+       {{5, 5}}},
+      {"a band of width 0 is never reached", 100, 5, 5, {{0, 2.326}}, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    ShiftEstimate shift;
+    shift.spread = c.spread;
+    const std::optional<NeededExecutions> needed =
+        neededExecutions(shift, c.base, c.next, c.targets);
+    ASSERT_EQ(needed.has_value(), c.expected.has_value());
+    if (needed) {
+      EXPECT_EQ(needed->base, c.expected->base);
+      EXPECT_EQ(needed->next, c.expected->next);
     }
   }
 }
