@@ -142,9 +142,8 @@ private:
       return row;
     }
     const std::vector<uint64_t>& nextValues = pair.next->series->values;
-    if (!options.relative || !judgedNetOfRunShift(row.kind))
-      return measure(std::move(row), pair.base->series->values, nextValues);
-    const double ratio = factor.ratioWithout(pair.logShift);
+    const double ratio =
+        options.relative && judgedNetOfRunShift(row.kind) ? factor.ratioWithout(pair.logShift) : 1;
     if (ratio == 1)
       return measure(std::move(row), pair.base->series->values, nextValues);
     return measure(std::move(row), pair.base->series->values, netOfRunShift(nextValues, ratio));
