@@ -43,6 +43,18 @@ std::vector<double> exactLowerTail(uint64_t sizeA, uint64_t sizeB) {
   return tail;
 }
 
+// The rank of Moses' lower bound by the normal approximation: U at or below k - 1 gives a
+// p-value below 1 - confidence, the continuity correction included.
+uint64_t normalLowerBoundRank(double pairs, double variance, double confidence) {
+  const double z = normalQuantile(1 - (1 - confidence) / 2);
+  const double rank = std::ceil(pairs / 2 - 0.5 - z * std::sqrt(std::max(0.0, variance)));
+  return rank >= 1 ? uint64_t(rank) : 0;
+}
+
+double untiedVariance(double sizeA, double sizeB) {
+  return sizeA * sizeB * (sizeA + sizeB + 1) / 12;
+}
+
 } // namespace
 
 RankStatistic rankStatistic(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB) {
@@ -81,8 +93,26 @@ RankSumNull::RankSumNull(const RankStatistic& statistic) {
     return;
   const double n = nA + nB;
   variance = pairs / 12 * ((n + 1) - statistic.tieTerm / (n * (n - 1)));
-  if (statistic.tieTerm == 0 && statistic.sizeA * statistic.sizeB <= maxExactPairs)
+  if (isExactFor(statistic))
     lowerTail = exactLowerTail(statistic.sizeA, statistic.sizeB);
+}
+
+bool RankSumNull::isExactFor(const RankStatistic& statistic) {
+  return statistic.tieTerm == 0 && statistic.sizeA > 0 && statistic.sizeB > 0 &&
+         statistic.sizeA * statistic.sizeB <= maxExactPairs;
+}
+
+bool RankSumNull::hasInterval(uint64_t sizeA, uint64_t sizeB, double confidence) {
+  if (sizeA == 0 || sizeB == 0)
+    return false;
+  if (sizeA * sizeB > maxExactPairs)
+    return normalLowerBoundRank(double(sizeA) * double(sizeB),
+                                untiedVariance(double(sizeA), double(sizeB)), confidence) > 0;
+  // Exactly: U = 0, one ordering of C(n + m, n), must be rarer than the tail.
+  double orderings = 1;
+  for (uint64_t i = 1; i <= sizeB; ++i)
+    orderings = orderings * double(sizeA + i) / double(i);
+  return 1 / orderings < (1 - confidence) / 2;
 }
 
 double RankSumNull::pValue(double u) const {
@@ -100,12 +130,7 @@ uint64_t RankSumNull::lowerBoundRank(double confidence) const {
     return uint64_t(std::partition_point(lowerTail.begin(), lowerTail.end(),
                                          [tail](double p) { return p < tail; }) -
                     lowerTail.begin());
-  if (pairs == 0)
-    return 0;
-  // U at or below k - 1 gives a p-value below 1 - confidence, the continuity correction included.
-  const double rank =
-      std::ceil(pairs / 2 - 0.5 - normalQuantile(1 - tail) * std::sqrt(std::max(0.0, variance)));
-  return rank >= 1 ? uint64_t(rank) : 0;
+  return pairs == 0 ? 0 : normalLowerBoundRank(pairs, variance, confidence);
 }
 
 double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB) {

@@ -31,6 +31,13 @@ public:
 
   explicit RankSumNull(const RankStatistic& statistic);
 
+  // Whether the distribution of a statistic is exact; then it depends on the sizes alone.
+  static bool isExactFor(const RankStatistic& statistic);
+
+  // Whether samples of sizeA and sizeB untied values have an interval at confidence, that is a
+  // lowerBoundRank above 0, found without building the distribution.
+  static bool hasInterval(uint64_t sizeA, uint64_t sizeB, double confidence);
+
   bool isExact() const { return !lowerTail.empty(); }
 
   // The two-sided p-value of u; 1 when a sample is empty or every value is equal. Example: U = 0

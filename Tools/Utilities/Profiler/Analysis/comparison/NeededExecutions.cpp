@@ -32,13 +32,9 @@ struct Path {
   // The first position, from start, at which an interval at z exists for untied values.
   uint64_t firstBounded(uint64_t start, double z) const {
     const double confidence = 1 - std::erfc(z / std::sqrt(2.0));
-    for (uint64_t p = start;; ++p) {
-      RankStatistic sizes;
-      sizes.sizeA = std::max(p, large);
-      sizes.sizeB = p;
-      if (RankSumNull(sizes).lowerBoundRank(confidence) > 0)
+    for (uint64_t p = start;; ++p)
+      if (RankSumNull::hasInterval(std::max(p, large), p, confidence))
         return p;
-    }
   }
 };
 

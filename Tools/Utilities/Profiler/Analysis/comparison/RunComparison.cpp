@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <unordered_map>
 
 namespace kvt::profiling {
@@ -129,7 +130,7 @@ private:
   }
 
   ComparisonRow compareSeries(const std::string& name, const SeriesPair& pair,
-                              const StepFactor& factor) const {
+                              const StepFactor& factor) {
     ComparisonRow row = makeRow(name, pair.base ? *pair.base : *pair.next);
     if (!pair.next) {
       row.base = describeSide(pair.base->series->values);
@@ -150,21 +151,33 @@ private:
   }
 
   ComparisonRow measure(ComparisonRow row, std::span<const uint64_t> base,
-                        std::span<const uint64_t> next) const {
+                        std::span<const uint64_t> next) {
     row.base = describeSide(base);
     row.next = describeSide(next);
     if (base.empty() || next.empty())
       return row;
     const RankStatistic statistic = rankStatistic(base, next);
-    const RankSumNull null(statistic);
+    std::optional<RankSumNull> approximate;
+    const RankSumNull& null = RankSumNull::isExactFor(statistic) ? getOrCreateExactNull(statistic)
+                                                                 : approximate.emplace(statistic);
     row.shift = estimateShift(base, next, confidence(), null);
     row.change = inPercent(*row.shift, *row.base.p50);
     row.pValue = null.pValue(statistic.u);
     return row;
   }
 
+  // An exact distribution depends on the sizes alone, which a run's series mostly share.
+  const RankSumNull& getOrCreateExactNull(const RankStatistic& statistic) {
+    const std::pair<uint64_t, uint64_t> sizes(statistic.sizeA, statistic.sizeB);
+    auto it = exactNulls.find(sizes);
+    if (it == exactNulls.end())
+      it = exactNulls.emplace(sizes, RankSumNull(statistic)).first;
+    return it->second;
+  }
+
   const ComparisonOptions& options;
   Comparison& comparison;
+  std::map<std::pair<uint64_t, uint64_t>, RankSumNull> exactNulls;
 };
 
 // The change below which a series counts as unchanged, in log units.
@@ -173,24 +186,27 @@ double marginUnits(const ComparisonRow& row, const ComparisonOptions& options) {
                   options.minChangeUnits);
 }
 
+// The normal quantiles of the intervals a decision needs: the one shown (1 - 2 alpha), and the
+// one whose clearing 0 passes Holm's adjustment even as the first of the tests.
+struct DecisionQuantiles {
+  double shown = 0;
+  double test = 0;
+};
+
 // Beyond the margin, slower or faster needs the interval's near edge past the margin and a
-// p-value that passes Holm's adjustment even as the first of tested (its interval at that level
-// clear of 0); within it, same needs the interval inside the band.
+// p-value that passes Holm's adjustment; within it, same needs the interval inside the band.
 std::optional<NeededExecutions> neededToDecide(const ComparisonRow& row, double margin,
-                                               const ComparisonOptions& options, size_t tested) {
+                                               const DecisionQuantiles& z) {
   const double estimate = std::abs(row.shift->units);
-  const double zShown = normalQuantile(1 - options.alpha);
   if (estimate <= margin) {
-    const DecisionTarget inside[] = {{margin - estimate, zShown}};
+    const DecisionTarget inside[] = {{margin - estimate, z.shown}};
     return neededExecutions(*row.shift, row.base.count, row.next.count, inside);
   }
-  const DecisionTarget beyond[] = {
-      {estimate - margin, zShown},
-      {estimate, normalQuantile(1 - options.alpha / (2 * double(std::max<size_t>(tested, 1))))}};
+  const DecisionTarget beyond[] = {{estimate - margin, z.shown}, {estimate, z.test}};
   return neededExecutions(*row.shift, row.base.count, row.next.count, beyond);
 }
 
-Verdict judge(ComparisonRow& row, const ComparisonOptions& options, size_t tested) {
+Verdict judge(ComparisonRow& row, const ComparisonOptions& options, const DecisionQuantiles& z) {
   if (row.verdict == Verdict::added || row.verdict == Verdict::removed)
     return row.verdict;
   if (!row.pAdjusted)
@@ -203,7 +219,7 @@ Verdict judge(ComparisonRow& row, const ComparisonOptions& options, size_t teste
     return Verdict::faster;
   if (shift.interval && shift.interval->low >= -margin && shift.interval->high <= margin)
     return Verdict::same;
-  row.needed = neededToDecide(row, margin, options, tested);
+  row.needed = neededToDecide(row, margin, z);
   return Verdict::unsure;
 }
 
@@ -214,6 +230,10 @@ void judgeRows(Comparison& comparison) {
       pValues.push_back(*row.pValue);
   const std::vector<double> holm = holmAdjusted(pValues);
   const std::vector<double> q = benjaminiHochbergQValues(pValues);
+  const double alpha = comparison.options.alpha;
+  const DecisionQuantiles z{
+      normalQuantile(1 - alpha),
+      normalQuantile(1 - alpha / (2 * double(std::max<size_t>(pValues.size(), 1))))};
   ComparisonTotals& totals = comparison.totals;
   size_t tested = 0;
   for (ComparisonRow& row : comparison.rows) {
@@ -222,7 +242,7 @@ void judgeRows(Comparison& comparison) {
       row.qValue = q[tested];
       ++tested;
     }
-    row.verdict = judge(row, comparison.options, pValues.size());
+    row.verdict = judge(row, comparison.options, z);
     uint64_t* counts[] = {&totals.slower, &totals.faster, &totals.same,
                           &totals.unsure, &totals.added,  &totals.removed};
     ++*counts[int(row.verdict)];

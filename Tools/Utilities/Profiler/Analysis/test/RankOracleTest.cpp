@@ -132,6 +132,9 @@ TEST(RankOracle, FastEstimatesAndExactPValuesEqualBruteForce) {
       std::sort(pooled.begin(), pooled.end());
       const bool untied = std::adjacent_find(pooled.begin(), pooled.end()) == pooled.end();
       ASSERT_EQ(null.isExact(), untied && count <= RankSumNull::maxExactPairs);
+      if (untied) {
+        ASSERT_EQ(RankSumNull::hasInterval(base.size(), next.size(), c.confidence), rank > 0);
+      }
       if (!null.isExact())
         continue;
       if (base.size() + next.size() <= 16) {
