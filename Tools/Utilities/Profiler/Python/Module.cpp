@@ -44,35 +44,39 @@ py::dict describeRead(const Path& path, uint64_t skipFirst, VisibilityLevel visi
   return attrs;
 }
 
-py::object readExecutions(const Path& path, int64_t visibility, int64_t skipFirst) {
+py::object readExecutions(const Path& path, int64_t visibility, int64_t skipFirst, bool partial) {
   const ExecutionRowOptions options{readVisibility(visibility), readSkipFirst(skipFirst)};
   requireExistingFile(path);
   ExecutionColumns columns;
+  LogReadResult read;
   {
     const py::gil_scoped_release released;
     clearReaderMessages();
-    if (!readExecutionColumns(path.string(), options, columns))
-      throwReaderFailure("cannot read the log " + path.string());
+    read = readExecutionColumns(path.string(), options, partial, columns);
+    requireStandingRead(read, partial);
   }
   py::object frame = makeExecutionsFrame(columns);
-  frame.attr("attrs") = describeRead(path, options.skipFirst, options.visibilityLevel);
+  py::dict attrs = describeRead(path, options.skipFirst, options.visibilityLevel);
+  attrs["partial"] = describePartial(read.complete() ? std::nullopt : std::optional(read));
+  frame.attr("attrs") = attrs;
   return frame;
 }
 
-RunStatistics readStatistics(const Path& path, const StatisticsOptions& options) {
+RunStatistics readStatistics(const Path& path, const StatisticsOptions& options,
+                             std::string_view role = {}) {
   requireExistingFile(path);
   RunStatistics run;
   const py::gil_scoped_release released;
   clearReaderMessages();
-  if (!readRunStatistics(path.string(), options, run))
-    throwReaderFailure("cannot read the log " + path.string());
+  requireStandingRead(readRunStatistics(path.string(), options, run), options.partial, role);
   return run;
 }
 
-py::object readStats(const Path& path, int64_t skipFirst, int64_t visibility) {
+py::object readStats(const Path& path, int64_t skipFirst, int64_t visibility, bool partial) {
   StatisticsOptions options;
   options.skipFirst = readSkipFirst(skipFirst);
   options.visibilityLevel = readVisibility(visibility);
+  options.partial = partial;
   const RunStatistics run = readStatistics(path, options);
   py::object frame = makeStatsFrame(run);
   py::dict attrs = describeRead(path, options.skipFirst, options.visibilityLevel);
@@ -80,6 +84,7 @@ py::object readStats(const Path& path, int64_t skipFirst, int64_t visibility) {
   for (const GraphStatistics& graph : run.graphs)
     executions[decodeText(graph.name)] = graph.executions - graph.skipped;
   attrs["executions"] = executions;
+  attrs["partial"] = describePartial(run.partial);
   frame.attr("attrs") = attrs;
   return frame;
 }
@@ -101,13 +106,14 @@ ComparisonOptions readComparisonOptions(double alpha, double threshold, double m
 }
 
 py::object readComparison(const Path& basePath, const Path& newPath, double alpha, double threshold,
-                          double minChange, bool relative, int64_t skipFirst) {
+                          double minChange, bool relative, int64_t skipFirst, bool partial) {
   const ComparisonOptions comparisonOptions =
       readComparisonOptions(alpha, threshold, minChange, relative);
   StatisticsOptions options;
   options.skipFirst = readSkipFirst(skipFirst);
-  const RunStatistics base = readStatistics(basePath, options);
-  const RunStatistics next = readStatistics(newPath, options);
+  options.partial = partial;
+  const RunStatistics base = readStatistics(basePath, options, "base log");
+  const RunStatistics next = readStatistics(newPath, options, "new log");
   Comparison comparison;
   {
     const py::gil_scoped_release released;
@@ -125,6 +131,10 @@ py::object readComparison(const Path& basePath, const Path& newPath, double alph
   attrs["skipFirst"] = options.skipFirst;
   attrs["graphs"] = describeGraphShifts(comparison);
   attrs["totals"] = describeTotals(comparison.totals);
+  py::dict partials;
+  partials["base"] = describePartial(base.partial);
+  partials["new"] = describePartial(next.partial);
+  attrs["partial"] = partials;
   frame.attr("attrs") = attrs;
   return frame;
 }
@@ -176,10 +186,10 @@ PYBIND11_MODULE(kvtprofile, module) {
   py::module_::import("pandas");
   catchReaderMessages();
   py::register_exception<LogFailure>(module, "LogError").attr("__doc__") =
-      "The reader refused the log; the message is the reader's own.";
+      "The log was refused: the file and what is wrong where, then the reader's own messages.";
 
   module.def("executions", &readExecutions, py::arg("path"), py::kw_only(),
-             py::arg("visibility") = 127, py::arg("skip_first") = 0,
+             py::arg("visibility") = 127, py::arg("skip_first") = 0, py::arg("partial") = false,
              R"(Every execution's values as one long table, a row per value.
 
 Rows come graph by graph in log order, each execution's as the statistics walk it: its
@@ -196,11 +206,15 @@ Columns:
               missing for duration and queueWait
   value       uint64: in the log's unit
 
-attrs: log, unit ("us"), skipFirst, visibility.
+attrs: log, unit ("us"), skipFirst, visibility, partial.
 
 visibility keeps messages whose level is below it (-128 to 127); skip_first leaves each graph's
-first executions out. Raises LogError with the reader's message when the reader refuses the log
-(no partial frame), FileNotFoundError when there is no file. The GIL is released while reading.
+first executions out. Raises LogError when the log is refused: its first line names the file and
+what is wrong where ("run.log: chunk 15 at offset 4809716 is cut short: ..."), the reader's own
+messages follow. partial=True instead reads a cut or damaged log up to its first bad chunk:
+attrs["partial"] is then {"chunksRead", "bytesRead", "reason"} and a RuntimeWarning says what was
+dropped (None when the log was whole). A path that is no log still raises. FileNotFoundError when
+there is no file. The GIL is released while reading.
 
 Example: the p99 of each step's span, slowest first:
   df = kvtprofile.executions("run.log", skip_first=1)
@@ -209,7 +223,7 @@ Example: the p99 of each step's span, slowest first:
   spans.groupby(keys, observed=True).value.quantile(0.99).sort_values(ascending=False))");
 
   module.def("stats", &readStats, py::arg("path"), py::kw_only(), py::arg("skip_first") = 0,
-             py::arg("visibility") = 127,
+             py::arg("visibility") = 127, py::arg("partial") = false,
              R"(Each series' figures, a row per series, as `kvt-profile-log stats` gives them.
 
 Columns: graph, series, name, parent, occurrence (the series' key, as in executions()), count
@@ -219,12 +233,12 @@ skipped) and share (span rows: the step's mean span in percent of the sum of all
 spans). Figures but count and first are missing when count is 0. The queue wait is a series
 only when every counted execution had exactly one.
 
-attrs: log, unit, skipFirst, visibility, executions (counted, by graph).
-Raises LogError, FileNotFoundError, ValueError as executions() does.)");
+attrs: log, unit, skipFirst, visibility, executions (counted, by graph), partial.
+partial, LogError, FileNotFoundError, ValueError as in executions().)");
 
   module.def("compare", &readComparison, py::arg("base"), py::arg("new"), py::kw_only(),
              py::arg("alpha") = 0.01, py::arg("threshold") = 5.0, py::arg("min_change") = 0.0,
-             py::arg("relative") = false, py::arg("skip_first") = 0,
+             py::arg("relative") = false, py::arg("skip_first") = 0, py::arg("partial") = false,
              R"(Which series got slower or faster between two runs, as `kvt-profile-log compare`
 judges them, a row per series (base graphs and series in their order, then what new adds).
 
@@ -242,11 +256,12 @@ Missing where JSON has null.
 
 attrs: base, new, unit, alpha, threshold, minChange, relative, skipFirst, graphs (each graph's
 run-wide shift: name, shift, changePercent, interval_low, interval_high, ratio) and totals
-(slower, faster, same, unsure, added, removed, tested).
+(slower, faster, same, unsure, added, removed, tested), partial ({"base": ..., "new": ...},
+each as in executions()).
 
 alpha (above 0, below 0.5), threshold (percent), min_change (log units) and relative are the
-command's --alpha, --threshold, --min-change and --relative. Raises LogError with the reader's
-message, FileNotFoundError and ValueError as executions() does.)");
+command's --alpha, --threshold, --min-change and --relative. Raises LogError as executions()
+does, its first line opened by "base log" or "new log"; FileNotFoundError and ValueError too.)");
 
   module.def(
       "summary", [](const Path& path) { return runReader<KvtProfileLogReader>(path, ""); },

@@ -38,15 +38,16 @@ void ExecutionColumnBuilder::append(const ExecutionRows& rows, const ExecutionKe
   }
 }
 
-bool readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
-                          ExecutionColumns& columns) {
+LogReadResult readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
+                                   bool partial, ExecutionColumns& columns) {
   ExecutionColumnBuilder builder;
-  if (!readExecutionRows(path, options, [&](const ExecutionRows& rows, const ExecutionKeys& keys) {
+  const LogReadResult result =
+      readExecutionRows(path, options, [&](const ExecutionRows& rows, const ExecutionKeys& keys) {
         builder.append(rows, keys);
-      }))
-    return false;
-  columns = std::move(builder).take();
-  return true;
+      });
+  if (result.stands(partial))
+    columns = std::move(builder).take();
+  return result;
 }
 
 } // namespace kvt::profiling

@@ -56,10 +56,11 @@ private:
   std::unordered_map<std::string, uint32_t> nameCodes;
 };
 
-// Reads the log at path into columns (see readExecutionRows). False when the file cannot be
-// opened or a chunk is invalid, with the reader's report to the log facility; columns is then
-// left as it was. Memory: one chunk and 37 bytes per row.
-bool readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
-                          ExecutionColumns& columns);
+// Reads the log at path into columns (see readExecutionRows). Incomplete when the file is no log
+// or a chunk is bad, with the fault and the reader's report to the log facility; columns is then
+// left as it was, unless partial and the fault is a bad chunk: then columns holds the rows of the
+// whole chunks before it. Memory: one chunk and 37 bytes per row.
+LogReadResult readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
+                                   bool partial, ExecutionColumns& columns);
 
 } // namespace kvt::profiling

@@ -87,8 +87,8 @@ std::optional<ExecutionRows> ExecutionRowSplitter::split(const DispatchedExecuti
   return ExecutionRows{graph.index, index, values};
 }
 
-bool readExecutionRows(const std::string& path, const ExecutionRowOptions& options,
-                       const ExecutionRowSink& sink) {
+LogReadResult readExecutionRows(const std::string& path, const ExecutionRowOptions& options,
+                                const ExecutionRowSink& sink) {
   ExecutionRowSplitter splitter(options.skipFirst);
   const ExecutionConsumers consumers{[&](const DispatchedExecution& execution) {
     if (const std::optional<ExecutionRows> rows = splitter.split(execution))
@@ -96,10 +96,12 @@ bool readExecutionRows(const std::string& path, const ExecutionRowOptions& optio
   }};
   EventModel model;
   FlatBufferReaderUtil streamReader;
-  return readLogChunks(path, streamReader, [&] {
-    while (const schema::Message* message = streamReader.nextMessage())
-      dispatchMessage(model, consumers, options.visibilityLevel, *message);
-  });
+  return readLogChunks(path, streamReader,
+                       [&] {
+                         while (const schema::Message* message = streamReader.nextMessage())
+                           dispatchMessage(model, consumers, options.visibilityLevel, *message);
+                       },
+                       {.wholeChunksOnly = true});
 }
 
 } // namespace kvt::profiling
