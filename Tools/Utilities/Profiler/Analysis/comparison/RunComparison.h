@@ -25,7 +25,7 @@ struct ComparisonOptions {
   double alpha = 0.01;         // the family-wise false-alarm rate of a slower verdict
   double thresholdPercent = 5; // a change within plus or minus this much of the base median is none
   double minChangeUnits = 0;   // a change of at most this many log units is none
-  bool relative = false;       // judge steps and back-end records net of each graph's step factor
+  bool relative = false;       // judge steps and back-end records net of each graph's run shift
 };
 
 // One side of a row: its counted values and their median, none when it has no values.
@@ -58,9 +58,9 @@ struct ComparisonRow {
 };
 
 // The run-wide change of a graph: the shift of its execution durations, and the factor its steps
-// moved by in common (StepFactor.h). In relative comparisons the new run's back-end values are
-// and waits are divided by ratio before they are judged, and each step's spans by the median of
-// the other steps' shifts.
+// moved by in common (StepFactor.h). In relative comparisons the new run's back-end values and
+// waits are divided by ratio before they are judged, and each step's spans by the median of the
+// other steps' shifts.
 struct GraphShift {
   std::string name;
   std::optional<ShiftEstimate> shift;  // none unless both runs have durations
