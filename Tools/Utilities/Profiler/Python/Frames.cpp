@@ -170,7 +170,15 @@ py::object makeComparisonFrame(const Comparison& comparison) {
        {"qValue", optionalDoubleColumn(rows, [](const Row& row) { return row.qValue; })},
        {"verdict",
         textColumn(rows, [](const Row& row) { return std::optional(verdictName(row.verdict)); })},
-       {"needed", optionalIntegerColumn(rows, [](const Row& row) { return row.needed; })}});
+       {"needed_base", optionalIntegerColumn(rows,
+                                             [](const Row& row) {
+                                               return row.needed ? std::optional(row.needed->base -
+                                                                                 row.base.count)
+                                                                 : std::nullopt;
+                                             })},
+       {"needed_new", optionalIntegerColumn(rows, [](const Row& row) {
+          return row.needed ? std::optional(row.needed->next - row.next.count) : std::nullopt;
+        })}});
 }
 
 py::list describeGraphShifts(const Comparison& comparison) {
@@ -189,6 +197,7 @@ py::list describeGraphShifts(const Comparison& comparison) {
     shift["interval_low"] = orNone(interval ? std::optional(interval->low) : std::nullopt);
     shift["interval_high"] = orNone(interval ? std::optional(interval->high) : std::nullopt);
     shift["ratio"] = graph.ratio;
+    shift["stepSeries"] = graph.stepSeries;
     graphs.append(shift);
   }
   return graphs;

@@ -23,12 +23,14 @@ py::object makeExecutionsFrame(ExecutionColumns& columns);
 py::object makeStatsFrame(const RunStatistics& run);
 
 // graph, series, name, parent, occurrence, base_count, base_p50, new_count, new_p50, shift,
-// changePercent, interval_low, interval_high, pValue, pAdjusted, qValue, verdict, needed: the
+// changePercent, interval_low, interval_high, pValue, pAdjusted, qValue, verdict, needed_base,
+// needed_new: the
 // rows of `compare --format json`, its base and new sides and its interval as flat columns.
 py::object makeComparisonFrame(const Comparison& comparison);
 
 // The graphs' run-wide shifts as `compare --format json` lists them, each a dict of name, shift,
-// changePercent, interval_low, interval_high and ratio (None where JSON has null), and the
+// changePercent, interval_low, interval_high, ratio and stepSeries (None where JSON has null),
+// and the
 // totals as a dict of slower, faster, same, unsure, added, removed and tested.
 py::list describeGraphShifts(const Comparison& comparison);
 py::dict describeTotals(const ComparisonTotals& totals);

@@ -251,7 +251,8 @@ Columns, those of `compare --format json` with its nested values flat:
   interval_low, interval_high  its (1 - 2 alpha) interval, in percent ("interval" in JSON)
   pValue, pAdjusted (Holm), qValue (Benjamini-Hochberg)
   verdict        "slower", "faster", "same", "unsure", "added" or "removed"
-  needed         unsure rows: the executions per run that would tell
+  needed_base, needed_new  unsure rows: the executions each run needs beyond those it has
+                           before the row would decide
 Missing where JSON has null.
 
 attrs: base, new, unit, alpha, threshold, minChange, relative, skipFirst, graphs (each graph's
