@@ -8,7 +8,6 @@
 
 #include <fstream>
 #include <iomanip>
-#include <iostream>
 #include <sstream>
 
 namespace kvt::profiling {
@@ -44,7 +43,7 @@ bool writeCsvLog(std::ostream& out, const ReportContext& context,
 } // namespace
 
 bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context,
-                     CsvExecutionSpill& executionRows) {
+                     CsvExecutionSpill& executionRows, std::ostream& summaryOut) {
   std::ofstream csv;
   if (!csvPath.empty()) {
     // A log whose rows could not all be kept gets no event log at all, not one with gaps.
@@ -67,7 +66,7 @@ bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context,
                csvPath.c_str());
     return false;
   }
-  std::cout << summary.str() << std::flush;
+  summaryOut << summary.str() << std::flush;
   return true;
 }
 
