@@ -13,6 +13,8 @@
 namespace kvt::profiling {
 namespace {
 
+using namespace text_internal; // the rows of the event log
+
 void writeFullSummary(std::ostream& out, const ReportContext& context) {
   out << std::fixed << std::setprecision(0);
   writeHeaderDetailsLine(out, context);
