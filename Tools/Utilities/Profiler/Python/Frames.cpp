@@ -3,7 +3,7 @@
 #include "Frames.h"
 
 #include "FrameColumns.h"
-#include "tables/SeriesFigures.h"
+#include "tables/SeriesFigureRows.h"
 
 #include <cstdint>
 
@@ -65,11 +65,11 @@ py::object occurrenceColumn(ChunkedColumn<uint64_t>& occurrence) {
   return makeNullableIntegers(values, missing);
 }
 
-std::optional<uint64_t> figure(const SeriesFigures& row, uint64_t value) {
+std::optional<uint64_t> figure(const SeriesFigureRow& row, uint64_t value) {
   return row.summary.count ? std::optional(value) : std::nullopt;
 }
 
-std::optional<double> figure(const SeriesFigures& row, double value) {
+std::optional<double> figure(const SeriesFigureRow& row, double value) {
   return row.summary.count ? std::optional(value) : std::nullopt;
 }
 
@@ -97,8 +97,8 @@ py::object makeExecutionsFrame(ExecutionColumns& columns) {
 }
 
 py::object makeStatsFrame(const RunStatistics& run) {
-  const std::vector<SeriesFigures> rows = listSeriesFigures(run);
-  using Row = SeriesFigures;
+  const std::vector<SeriesFigureRow> rows = listSeriesFigureRows(run);
+  using Row = SeriesFigureRow;
   auto integer = [](uint64_t SeriesSummary::*field) {
     return [field](const Row& row) { return figure(row, row.summary.*field); };
   };
