@@ -4,31 +4,10 @@
 #include "ReportText.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 namespace kvt::profiling {
 
 namespace {
-
-// A figure to four significant digits, "0.0123" or "1.234e-09", which tiny p-values need.
-std::string formatSignificant(std::optional<double> value) {
-  if (!value || !std::isfinite(*value))
-    return "null";
-  char text[64];
-  const auto result =
-      std::to_chars(text, text + sizeof text, *value, std::chars_format::general, 4);
-  return std::string(text, result.ptr);
-}
-
-// A finite figure with three decimals, else null: JSON has no NaN. A figure that rounds to zero
-// is "0.000", never "-0.000".
-std::string formatFinite(std::optional<double> value, int decimals = 3) {
-  std::string text = formatFixed(value && std::isfinite(*value) ? value : std::nullopt, decimals);
-  if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos)
-    text.erase(0, 1);
-  return text;
-}
 
 // The table's grouping: slower, faster, unsure, then the others.
 int tableGroup(Verdict verdict) {
@@ -42,23 +21,6 @@ int tableGroup(Verdict verdict) {
   default:
     return 3;
   }
-}
-
-std::string orDash(const std::string& text) {
-  return text == "null" ? "-" : text;
-}
-
-std::string formatInterval(const std::optional<Interval>& interval, int decimals) {
-  if (!interval)
-    return "-";
-  std::string text = "[";
-  text.append(formatFinite(interval->low, decimals)).append(", ");
-  return text.append(formatFinite(interval->high, decimals)).append("]");
-}
-
-std::string withSign(double value, int decimals) {
-  std::string text = value >= 0 ? "+" : "";
-  return text.append(formatFinite(value, decimals));
 }
 
 // "model: run-wide shift +300.0 (+18.7 %, 98 % interval +17.9 % to +19.5 %)"
@@ -88,13 +50,6 @@ void writeGraphLine(std::ostream& out, const GraphShift& graph, const Comparison
 
 void writeSide(std::ostream& out, const ComparedSide& side) {
   out << "{\"count\": " << side.count << ", \"p50\": " << formatOptional(side.p50) << '}';
-}
-
-void writeIntervalJson(std::ostream& out, const std::optional<Interval>& interval) {
-  if (interval)
-    out << '[' << formatFinite(interval->low) << ", " << formatFinite(interval->high) << ']';
-  else
-    out << "null";
 }
 
 void writeGraphJson(std::ostream& out, const GraphShift& graph) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 
 namespace kvt::profiling {
@@ -31,6 +32,46 @@ std::string formatFixed(std::optional<double> value, int decimals) {
   const auto result =
       std::to_chars(text, text + sizeof text, *value, std::chars_format::fixed, decimals);
   return std::string(text, result.ptr);
+}
+
+std::string formatSignificant(std::optional<double> value) {
+  if (!value || !std::isfinite(*value))
+    return "null";
+  char text[64];
+  const auto result =
+      std::to_chars(text, text + sizeof text, *value, std::chars_format::general, 4);
+  return std::string(text, result.ptr);
+}
+
+std::string formatFinite(std::optional<double> value, int decimals) {
+  std::string text = formatFixed(value && std::isfinite(*value) ? value : std::nullopt, decimals);
+  if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos)
+    text.erase(0, 1);
+  return text;
+}
+
+std::string withSign(double value, int decimals) {
+  std::string text = value >= 0 ? "+" : "";
+  return text.append(formatFinite(value, decimals));
+}
+
+std::string orDash(const std::string& text) {
+  return text == "null" ? "-" : text;
+}
+
+std::string formatInterval(const std::optional<Interval>& interval, int decimals) {
+  if (!interval)
+    return "-";
+  std::string text = "[";
+  text.append(formatFinite(interval->low, decimals)).append(", ");
+  return text.append(formatFinite(interval->high, decimals)).append("]");
+}
+
+void writeIntervalJson(std::ostream& out, const std::optional<Interval>& interval) {
+  if (interval)
+    out << '[' << formatFinite(interval->low) << ", " << formatFinite(interval->high) << ']';
+  else
+    out << "null";
 }
 
 std::string formatOptional(std::optional<uint64_t> value) {
