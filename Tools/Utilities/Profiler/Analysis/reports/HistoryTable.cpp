@@ -16,6 +16,11 @@ std::string percentText(const HistoryChange& change) {
 // "model: run-wide slower at run 15, factor 1.000 -> 1.080 (+8.0 %, interval [7.5, 8.4] %,
 // Holm p 1.2e-05)"
 void writeGraphLines(std::ostream& out, const HistoryGraph& graph, const History& history) {
+  const auto hasFactor = [](const std::optional<double>& factor) { return bool(factor); };
+  if (std::none_of(graph.runFactor.begin(), graph.runFactor.end(), hasFactor)) {
+    out << graph.name << ": no run-wide factor (it needs 3 steps with spans)\n";
+    return;
+  }
   if (graph.runWide.empty()) {
     out << graph.name << ": no run-wide change\n";
     return;

@@ -81,7 +81,9 @@ int runHistory(const HistoryCommandOptions& options, ToolConsole& console) {
   }
   if (const std::optional<size_t> alone = findRunSharingNoSeries(runs)) {
     err << "kvt-profile-log history: the run " << runs[*alone].source
-        << " shares no series with the other runs\n";
+        << (runs[*alone].series.empty() ? " has no series: neither a log with executions nor a"
+                                          " stats JSON with graphs\n"
+                                        : " shares no series with the other runs\n");
     return exitBadInput;
   }
   const History history = buildHistory(std::move(runs), options.history);
@@ -108,10 +110,10 @@ void addHistoryCommand(CLI::App& tool, CommandRun& run) {
   command->footer(
       "A RUN is a log, the output of stats --format json for one, or @FILE, a list of them one\n"
       "a line (relative paths from FILE's folder). Each series becomes one value per run, its\n"
-      "figure over the run's counted executions. Each series is split where a rank-sum test\n"
-      "tells the runs before from the runs after best, with at least --min-runs runs on each\n"
-      "side (so a single spike is never a change); the split's p-value counts every split\n"
-      "tried and is adjusted over every series of the history (Holm; BH q given), and a change\n"
+      "figure over the run's counted executions. Each series is split where a step fits its\n"
+      "values best, with at least --min-runs runs on each side (so a single spike is never a\n"
+      "change); a rank-sum test of the two sides, its p-value times the splits it could have\n"
+      "chosen, is adjusted over every series of the history (Holm; BH q given), and a change\n"
       "is slower (faster) when that is below alpha and its shift (Hodges-Lehmann, over the run\n"
       "values) exceeds compare's margin. Each side is searched again. A graph's run-wide factor\n"
       "(the median of its step spans' log shifts) is searched the same way; --relative judges\n"

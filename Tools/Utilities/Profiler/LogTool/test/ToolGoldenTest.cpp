@@ -18,7 +18,8 @@ const fs::path caseRoot = KVT_TOOL_GOLDEN_DIR;
 const fs::path logRoot = KVT_TOOL_LOG_DIR;
 
 // Where a case's commands read and write. In a command line {NAME} stands for the case's log
-// NAME.log, built from its NAME.json; [PATH] for the file PATH of the case's folder; <out> for a
+// NAME.log, built from its NAME.json; [PATH] for the file PATH of the case's folder (@[PATH] for
+// a list file there); <out> for a
 // fresh folder that also keeps each command's standard output as OUTPUT.out for later commands.
 struct CasePlaces {
   fs::path caseDir;
@@ -34,6 +35,8 @@ struct CasePlaces {
         word = (logDir / (inner + ".log")).string();
       else if (word.front() == '[' && word.back() == ']')
         word = (caseDir / inner).string();
+      else if (word.starts_with("@[") && word.back() == ']')
+        word = '@' + (caseDir / word.substr(2, word.size() - 3)).string();
       else if (word.starts_with("<out>"))
         word = outDir.path().string() + word.substr(5);
       words.push_back(word);
