@@ -20,7 +20,8 @@ namespace {
 namespace fs = std::filesystem;
 
 // The problem with the run at path, empty when it was read.
-std::string readRun(const std::string& path, const HistoryReadOptions& options, RunFigures& run) {
+std::string readRun(const std::string& path, const HistoryReadOptions& options,
+                    RunSeriesFigures& run) {
   std::ifstream file(path, std::ios::binary);
   if (!file)
     return "cannot open it";
@@ -71,8 +72,8 @@ std::optional<HistoryInputError> expandRunLists(const std::vector<std::string>& 
 
 std::optional<HistoryInputError> readHistoryRuns(const std::vector<std::string>& paths,
                                                  const HistoryReadOptions& options,
-                                                 std::vector<RunFigures>& runs) {
-  std::vector<RunFigures> read(paths.size());
+                                                 std::vector<RunSeriesFigures>& runs) {
+  std::vector<RunSeriesFigures> read(paths.size());
   std::vector<std::string> problems(paths.size());
   std::atomic<size_t> next{0};
   const auto work = [&] {

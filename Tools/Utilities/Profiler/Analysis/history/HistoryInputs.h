@@ -2,7 +2,7 @@
 // list files of either.
 #pragma once
 
-#include "RunFigures.h"
+#include "RunSeriesFigures.h"
 
 #include <cstdint>
 #include <optional>
@@ -35,6 +35,6 @@ struct HistoryReadOptions {
 // reader's own reasons go to the log facility.
 std::optional<HistoryInputError> readHistoryRuns(const std::vector<std::string>& paths,
                                                  const HistoryReadOptions& options,
-                                                 std::vector<RunFigures>& runs);
+                                                 std::vector<RunSeriesFigures>& runs);
 
 } // namespace kvt::profiling

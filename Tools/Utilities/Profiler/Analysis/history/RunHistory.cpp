@@ -152,25 +152,27 @@ void countTotals(History& history) {
 
 } // namespace history_internal
 
-std::optional<size_t> findRunSharingNoSeries(const std::vector<RunFigures>& runs) {
+std::optional<size_t> findRunSharingNoSeries(const std::vector<RunSeriesFigures>& runs) {
   if (runs.size() < 2)
     return std::nullopt;
   std::map<HistorySeriesKey, size_t> runsWith;
-  for (const RunFigures& run : runs) {
+  for (const RunSeriesFigures& run : runs) {
     std::map<HistorySeriesKey, bool> seen;
-    for (const RunFigure& figure : run.series)
+    for (const RunSeriesFigure& figure : run.series)
       if (seen.emplace(figure.key, true).second)
         ++runsWith[figure.key];
   }
   for (size_t i = 0; i < runs.size(); ++i) {
-    const auto shared = [&runsWith](const RunFigure& figure) { return runsWith[figure.key] > 1; };
+    const auto shared = [&runsWith](const RunSeriesFigure& figure) {
+      return runsWith[figure.key] > 1;
+    };
     if (std::none_of(runs[i].series.begin(), runs[i].series.end(), shared))
       return i;
   }
   return std::nullopt;
 }
 
-History buildHistory(std::vector<RunFigures> runs, const HistoryOptions& options) {
+History buildHistory(std::vector<RunSeriesFigures> runs, const HistoryOptions& options) {
   using namespace history_internal;
   History history;
   history.options = options;
@@ -178,7 +180,7 @@ History buildHistory(std::vector<RunFigures> runs, const HistoryOptions& options
   std::map<HistorySeriesKey, size_t> seriesIndex;
   std::map<std::string, size_t> graphIndex;
   for (size_t run = 0; run < runCount; ++run) {
-    for (RunFigure& figure : runs[run].series) {
+    for (RunSeriesFigure& figure : runs[run].series) {
       if (graphIndex.emplace(figure.key.graph, history.graphs.size()).second)
         history.graphs.push_back({figure.key.graph, RunSeriesValues(runCount), {}});
       const auto [it, added] = seriesIndex.emplace(figure.key, history.series.size());

@@ -3,7 +3,7 @@
 // of the history.
 #pragma once
 
-#include "RunFigures.h"
+#include "RunSeriesFigures.h"
 #include "RunWideShifts.h"
 #include "comparison/RunComparison.h"
 
@@ -76,7 +76,7 @@ struct History {
 
 // The first run none of whose series another run has (a run without series among them); none
 // for fewer than 2 runs. Such a run belongs to another history.
-std::optional<size_t> findRunSharingNoSeries(const std::vector<RunFigures>& runs);
+std::optional<size_t> findRunSharingNoSeries(const std::vector<RunSeriesFigures>& runs);
 
 // The history of runs, oldest first. A series is tracked in the runs that have a value of it;
 // its first value after run 0 is an added change, its last before the last run a removed one.
@@ -86,6 +86,6 @@ std::optional<size_t> findRunSharingNoSeries(const std::vector<RunFigures>& runs
 // is below alpha and its shift exceeds compare's margin, and each side is then searched again (its
 // p-value times the tests of the history). In relative histories back-end records and step spans
 // and waits are judged divided by their run's factor without themselves.
-History buildHistory(std::vector<RunFigures> runs, const HistoryOptions& options);
+History buildHistory(std::vector<RunSeriesFigures> runs, const HistoryOptions& options);
 
 } // namespace kvt::profiling

@@ -13,7 +13,7 @@ using Value = rapidjson::Value;
 
 class StatsDocumentReader {
 public:
-  StatsDocumentReader(HistoryFigure figure, RunFigures& figures, std::string& problem)
+  StatsDocumentReader(HistoryFigure figure, RunSeriesFigures& figures, std::string& problem)
       : figure(figure), figures(figures), problem(problem) {}
 
   bool readGraph(const Value& graph) {
@@ -91,7 +91,7 @@ private:
     const Value* value = member(summary, std::string(historyFigureName(figure)).c_str(), "summary");
     if (!count || !value || !count->IsUint64() || !(value->IsNumber() || value->IsNull()))
       return fail("a summary without its count or " + std::string(historyFigureName(figure)));
-    RunFigure run{std::move(key), std::nullopt};
+    RunSeriesFigure run{std::move(key), std::nullopt};
     if (count->GetUint64() > 0 && value->IsNumber())
       run.value = value->GetDouble();
     figures.series.push_back(std::move(run));
@@ -99,14 +99,14 @@ private:
   }
 
   HistoryFigure figure;
-  RunFigures& figures;
+  RunSeriesFigures& figures;
   std::string& problem;
   std::string graphName;
 };
 
 } // namespace history_internal
 
-bool parseStatsJsonFigures(std::string_view text, HistoryFigure figure, RunFigures& figures,
+bool parseStatsJsonFigures(std::string_view text, HistoryFigure figure, RunSeriesFigures& figures,
                            std::string& problem) {
   rapidjson::Document document;
   document.Parse(text.data(), text.size());

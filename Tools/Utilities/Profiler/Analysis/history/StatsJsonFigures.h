@@ -2,7 +2,7 @@
 // a history can keep a few kilobytes per run instead of its log.
 #pragma once
 
-#include "RunFigures.h"
+#include "RunSeriesFigures.h"
 
 #include <string>
 #include <string_view>
@@ -13,7 +13,7 @@ namespace kvt::profiling {
 // document has no creation time). False, with the reason in problem, when text is no JSON or
 // lacks a key this version writes: {"log", "skipFirst", "graphs": [{"name", "executions",
 // "duration", "queueWait", "backend", "steps"}]} with the summaries' count, mean, p50 and p90.
-bool parseStatsJsonFigures(std::string_view text, HistoryFigure figure, RunFigures& figures,
+bool parseStatsJsonFigures(std::string_view text, HistoryFigure figure, RunSeriesFigures& figures,
                            std::string& problem);
 
 } // namespace kvt::profiling

@@ -45,13 +45,14 @@ bool writeOutput(const std::string& text, const std::string& path, std::ostream&
 }
 
 // Sorts runs by their logs' creation time; the first run without one is the error.
-const RunFigures* orderByCreation(std::vector<RunFigures>& runs) {
-  for (const RunFigures& run : runs)
+const RunSeriesFigures* orderByCreation(std::vector<RunSeriesFigures>& runs) {
+  for (const RunSeriesFigures& run : runs)
     if (!run.createdUs)
       return &run;
-  std::stable_sort(runs.begin(), runs.end(), [](const RunFigures& a, const RunFigures& b) {
-    return *a.createdUs < *b.createdUs;
-  });
+  std::stable_sort(runs.begin(), runs.end(),
+                   [](const RunSeriesFigures& a, const RunSeriesFigures& b) {
+                     return *a.createdUs < *b.createdUs;
+                   });
   return nullptr;
 }
 
@@ -64,7 +65,7 @@ int runHistory(const HistoryCommandOptions& options, ToolConsole& console) {
     return exitBadInput;
   }
   const ReaderReports reports;
-  std::vector<RunFigures> runs;
+  std::vector<RunSeriesFigures> runs;
   const HistoryReadOptions reading{readFigure(options.figure), options.skipFirst,
                                    std::max(1u, std::thread::hardware_concurrency())};
   if (const auto error = readHistoryRuns(paths, reading, runs)) {
@@ -73,7 +74,7 @@ int runHistory(const HistoryCommandOptions& options, ToolConsole& console) {
     return exitBadInput;
   }
   if (options.order == "created") {
-    if (const RunFigures* undated = orderByCreation(runs)) {
+    if (const RunSeriesFigures* undated = orderByCreation(runs)) {
       err << "kvt-profile-log history: the run " << undated->source
           << " has no creation time to order by (a stats JSON has none)\n";
       return exitBadInput;

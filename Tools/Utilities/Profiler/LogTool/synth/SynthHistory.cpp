@@ -27,11 +27,10 @@ double signedUnit(uint64_t history, uint64_t run) {
 
 } // namespace
 
-std::optional<std::vector<RunFigures>> synthesizeHistory(const SynthOptions& model,
-                                                         const HistoryPlan& plan, uint64_t history,
-                                                         const std::string& dir,
-                                                         std::ostream& err) {
-  std::vector<RunFigures> runs;
+std::optional<std::vector<RunSeriesFigures>>
+synthesizeHistory(const SynthOptions& model, const HistoryPlan& plan, uint64_t history,
+                  const std::string& dir, std::ostream& err) {
+  std::vector<RunSeriesFigures> runs;
   const std::string path = (std::filesystem::path(dir) / "history-run.log").string();
   for (uint64_t run = 0; run < plan.runs; ++run) {
     SynthOptions options = model;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "LogSynth.h"
-#include "history/RunFigures.h"
+#include "history/RunSeriesFigures.h"
 
 #include <cstdint>
 #include <optional>
@@ -26,8 +26,8 @@ struct HistoryPlan {
 // The runs of history number history of the model (noise seeds and factors no other history
 // shares), each written into dir, reduced to its p50 figures and removed. None, with the reason
 // on err, when a log cannot be written or read.
-std::optional<std::vector<RunFigures>> synthesizeHistory(const SynthOptions& model,
-                                                         const HistoryPlan& plan, uint64_t history,
-                                                         const std::string& dir, std::ostream& err);
+std::optional<std::vector<RunSeriesFigures>>
+synthesizeHistory(const SynthOptions& model, const HistoryPlan& plan, uint64_t history,
+                  const std::string& dir, std::ostream& err);
 
 } // namespace kvt::profiling

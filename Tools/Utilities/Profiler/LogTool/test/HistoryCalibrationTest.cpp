@@ -98,7 +98,7 @@ TEST(Calibration, HistoriesOfSeededRunsKeepTheirPromises) {
     uint32_t held = 0;
     for (uint32_t history = 0; history < c.histories; ++history) {
       std::ostringstream err;
-      std::optional<std::vector<RunFigures>> runs =
+      std::optional<std::vector<RunSeriesFigures>> runs =
           synthesizeHistory(model, plan, history, dir.path().string(), err);
       ASSERT_TRUE(runs) << err.str();
       held += c.holds(buildHistory(std::move(*runs), options), step, c.from) ? 1 : 0;

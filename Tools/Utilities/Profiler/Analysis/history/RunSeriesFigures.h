@@ -31,19 +31,19 @@ struct HistorySeriesKey {
   auto operator<=>(const HistorySeriesKey&) const = default;
 };
 
-struct RunFigure {
+struct RunSeriesFigure {
   HistorySeriesKey key;
   std::optional<double> value; // none when the run counted no value of the series
 };
 
-struct RunFigures {
+struct RunSeriesFigures {
   std::string source;
-  std::optional<uint64_t> createdUs; // the log header's creation time, us since the Unix epoch
-  uint64_t executions = 0;           // counted, over every graph
-  std::vector<RunFigure> series;     // in the order `stats` lists them
+  std::optional<uint64_t> createdUs;   // the log header's creation time, us since the Unix epoch
+  uint64_t executions = 0;             // counted, over every graph
+  std::vector<RunSeriesFigure> series; // in the order `stats` lists them
 };
 
 // The figure of each series of run, listed as listSeries lists a graph's.
-RunFigures figuresOfRun(const RunStatistics& run, HistoryFigure figure, std::string source);
+RunSeriesFigures figuresOfRun(const RunStatistics& run, HistoryFigure figure, std::string source);
 
 } // namespace kvt::profiling

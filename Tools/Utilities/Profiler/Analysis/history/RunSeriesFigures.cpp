@@ -1,6 +1,6 @@
 // A run's statistics reduced to one number per series as soon as it is read, so that a history
 // keeps runs x series numbers and never an execution's value.
-#include "RunFigures.h"
+#include "RunSeriesFigures.h"
 
 #include "statistics/SeriesSummary.h"
 
@@ -39,8 +39,8 @@ std::string_view historyFigureName(HistoryFigure figure) {
   return {};
 }
 
-RunFigures figuresOfRun(const RunStatistics& run, HistoryFigure figure, std::string source) {
-  RunFigures figures{std::move(source), run.createdUs, 0, {}};
+RunSeriesFigures figuresOfRun(const RunStatistics& run, HistoryFigure figure, std::string source) {
+  RunSeriesFigures figures{std::move(source), run.createdUs, 0, {}};
   for (const GraphStatistics& graph : run.graphs) {
     figures.executions += graph.executions - graph.skipped;
     for (const SeriesRef& series : listSeries(graph)) {
