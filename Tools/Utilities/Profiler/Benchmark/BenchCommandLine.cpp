@@ -15,8 +15,9 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       "(its size and its time against stats), the CSV export of kvt-profile-log executions and\n"
       "the frame of kvtprofile.executions in Python; then both readers on one graph with 10x,\n"
       "100x and 1000x the executions, and the trace reader on one step level of 10,000 distinct\n"
-      "identifiers; and compare's false-alarm rate and power over seeded pairs of synthesised\n"
-      "runs. The figures go to the standard output.\n");
+      "identifiers; compare's false-alarm rate and power over seeded pairs of synthesised\n"
+      "runs; and history's over seeded histories, with its time over 1,000 stats documents.\n"
+      "The figures go to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",
@@ -27,6 +28,7 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
         options.runs = 1;
         options.csvRuns = 1;
         options.calibration = {10, {50}};
+        options.history = {10, 100};
       },
       "small logs and one run each: a check that takes seconds");
   const CLI::Validator positive = wholeNumber<uint64_t>(1, UINT64_MAX);
@@ -56,6 +58,14 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
   app.add_option("--calibration-pairs", options.calibration.pairs,
                  "pairs of runs of each cell of compare's calibration (default\n"
                  "200)")
+      ->option_text("N")
+      ->check(positiveRuns);
+  app.add_option("--history-histories", options.history.histories,
+                 "histories of each cell of history's calibration (default 200)")
+      ->option_text("N")
+      ->check(positiveRuns);
+  app.add_option("--history-timed-runs", options.history.timedRuns,
+                 "stats documents of the history's timing (default 1000)")
       ->option_text("N")
       ->check(positiveRuns);
   app.add_option("--work-dir", options.workDir,

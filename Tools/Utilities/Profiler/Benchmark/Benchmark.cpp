@@ -7,6 +7,7 @@
 #include "ChildRun.h"
 #include "ComparisonTiming.h"
 #include "FloorWalk.h"
+#include "HistoryCalibration.h"
 #include "LogSynthesis.h"
 #include "ReaderHost.h"
 #include "ReportTarget.h"
@@ -84,7 +85,8 @@ public:
       : options(options), tools(tools), dir(options.workDir) {}
 
   bool run() {
-    return runMain() && runScaling() && runCalibration(options.calibration, dir.file(""));
+    return runMain() && runScaling() && runCalibration(options.calibration, dir.file("")) &&
+           runHistoryCalibration(options.history, dir.file(""));
   }
 
 private:
