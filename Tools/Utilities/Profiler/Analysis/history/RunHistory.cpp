@@ -130,7 +130,7 @@ void countTotals(History& history) {
   HistoryTotals& totals = history.totals;
   const uint64_t runs = history.runs.size();
   const auto inGate = [&](const HistoryChange& change) {
-    return change.verdict == Verdict::slower && change.run + history.options.gate >= runs;
+    return change.verdict == Verdict::slower && runs - change.run <= history.options.gate;
   };
   totals.series = history.series.size();
   for (const HistorySeries& series : history.series) {
