@@ -35,25 +35,25 @@ class ChangeJudge {
 public:
   ChangeJudge(const HistoryOptions& options, uint64_t tested) : options(options), tested(tested) {}
 
-  // Records the change at split of the values from lo to hi when it exceeds the margin, then
-  // searches each side again. A side's split counts below alpha after Bonferroni over tested.
+  // Records the change at split of the values from lo to hi (and, for a change that came back,
+  // its return) when it exceeds the margin, then searches each part again. A part's change
+  // counts below alpha after Bonferroni over tested.
   void judge(Subject& subject, size_t lo, size_t hi, const ChangeSplit& split, double pAdjusted,
              double qValue) const {
-    const std::span<const double> values(subject.values);
     const size_t at = lo + split.at;
-    if (std::optional<HistoryChange> change =
-            measure(values.subspan(lo, at - lo), values.subspan(at, hi - at))) {
-      change->run = subject.runs[at];
-      change->pAdjusted = pAdjusted;
-      change->qValue = qValue;
-      subject.changes->push_back(*change);
-    }
+    const size_t back = split.back ? lo + *split.back : hi;
+    record(subject, lo, at, back, pAdjusted, qValue);
+    if (split.back)
+      record(subject, at, back, hi, pAdjusted, qValue);
     searchAgain(subject, lo, at);
-    searchAgain(subject, at, hi);
+    searchAgain(subject, at, back);
+    searchAgain(subject, back, hi);
   }
 
 private:
   void searchAgain(Subject& subject, size_t lo, size_t hi) const {
+    if (lo == hi)
+      return;
     const std::optional<ChangeSplit> split = findChangeSplit(
         std::span<const double>(subject.values).subspan(lo, hi - lo), options.minRuns);
     if (!split)
@@ -61,6 +61,21 @@ private:
     const double adjusted = std::min(1.0, split->pValue * double(tested));
     if (adjusted < options.comparison.alpha)
       judge(subject, lo, hi, *split, adjusted, adjusted);
+  }
+
+  // The change at the value at between the values from lo and those up to end, when it exceeds
+  // the margin.
+  void record(Subject& subject, size_t lo, size_t at, size_t end, double pAdjusted,
+              double qValue) const {
+    const std::span<const double> values(subject.values);
+    std::optional<HistoryChange> change =
+        measure(values.subspan(lo, at - lo), values.subspan(at, end - at));
+    if (!change)
+      return;
+    change->run = subject.runs[at];
+    change->pAdjusted = pAdjusted;
+    change->qValue = qValue;
+    subject.changes->push_back(*change);
   }
 
   // The change from before to after, none when it lies within the margin.

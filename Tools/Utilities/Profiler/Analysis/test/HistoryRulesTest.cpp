@@ -70,29 +70,39 @@ TEST(HistoryRules, SplitLiesAtTheStepAndNeedsEnoughRunsOnEachSide) {
     std::vector<double> values;
     size_t minSide;
     std::optional<size_t> at;
+    std::optional<size_t> back;
     std::optional<double> pValue;
   };
   const Case cases[] = {
-      {"one split tried, its exact p", {10, 10, 11, 20, 21, 20}, 3, 3, 0.1},
+      {"one split tried, its exact p over the splits' share",
+       {10, 10, 11, 20, 21, 20},
+       3,
+       3,
+       std::nullopt,
+       0.1 / 0.8},
       {"the step, not the balanced split the rank statistic prefers",
        {10, 11, 10, 12, 11, 15, 16, 30, 31, 30},
        2,
        7,
+       std::nullopt,
        std::nullopt},
-      {"a one-run spike tells nothing: p 0.49 times 3 splits",
-       {5, 5, 6, 5, 50, 5, 6, 5},
+      {"a change that came back is a stretch: 2 of 84 orders, over the stretches' share",
+       {10, 10, 10, 20, 21, 20, 10, 11, 10},
        3,
-       4,
-       1.0},
-      {"too few values", {1, 2, 3, 4, 5}, 3, std::nullopt, std::nullopt},
-      {"every value equal", {7, 7, 7, 7, 7, 7, 7}, 2, std::nullopt, std::nullopt},
-      {"minSide 0 splits nothing", {1, 2}, 0, std::nullopt, std::nullopt},
+       3,
+       6,
+       2.0 / 84 / 0.2},
+      {"a one-run spike tells nothing", {5, 5, 6, 5, 50, 5, 6, 5}, 3, 4, std::nullopt, 1.0},
+      {"too few values", {1, 2, 3, 4, 5}, 3, std::nullopt, std::nullopt, std::nullopt},
+      {"every value equal", {7, 7, 7, 7, 7, 7, 7}, 2, std::nullopt, std::nullopt, std::nullopt},
+      {"minSide 0 splits nothing", {1, 2}, 0, std::nullopt, std::nullopt, std::nullopt},
       {"values near 2^64 keep their differences",
        {1.8446744073709e19, 1.8446744073709e19, 1.8446744073709e19, 1.8446744073710e19,
         1.8446744073710e19, 1.8446744073710e19},
        3,
        3,
-       0.1},
+       std::nullopt,
+       0.1 / 0.8},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -101,6 +111,7 @@ TEST(HistoryRules, SplitLiesAtTheStepAndNeedsEnoughRunsOnEachSide) {
     if (!split)
       continue;
     EXPECT_EQ(split->at, *c.at);
+    EXPECT_EQ(split->back, c.back);
     if (c.pValue) {
       EXPECT_NEAR(split->pValue, *c.pValue, 1e-12);
     }
