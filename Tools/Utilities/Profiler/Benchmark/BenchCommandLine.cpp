@@ -16,8 +16,9 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       "the frame of kvtprofile.executions in Python; the comparison page of two runs of one\n"
       "graph of 2,000 steps (its size and the time to write it); then both readers on one graph\n"
       "with 10x, 100x and 1000x the executions, and the trace reader on one step level of\n"
-      "10,000 distinct identifiers; and compare's false-alarm rate and power over seeded pairs\n"
-      "of synthesised runs. The figures go to the standard output.\n");
+      "10,000 distinct identifiers; compare's false-alarm rate and power over seeded pairs of\n"
+      "synthesised runs; and history's over seeded histories, with its time over 1,000 stats\n"
+      "documents. The figures go to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",
@@ -29,6 +30,7 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
         options.runs = 1;
         options.csvRuns = 1;
         options.calibration = {10, {50}};
+        options.history = {10, 100};
       },
       "small logs and one run each: a check that takes seconds");
   const CLI::Validator positive = wholeNumber<uint64_t>(1, UINT64_MAX);
@@ -63,6 +65,14 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
   app.add_option("--calibration-pairs", options.calibration.pairs,
                  "pairs of runs of each cell of compare's calibration (default\n"
                  "200)")
+      ->option_text("N")
+      ->check(positiveRuns);
+  app.add_option("--history-histories", options.history.histories,
+                 "histories of each cell of history's calibration (default 200)")
+      ->option_text("N")
+      ->check(positiveRuns);
+  app.add_option("--history-timed-runs", options.history.timedRuns,
+                 "stats documents of the history's timing (default 1000)")
       ->option_text("N")
       ->check(positiveRuns);
   app.add_option("--work-dir", options.workDir,

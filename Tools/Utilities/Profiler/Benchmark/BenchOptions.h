@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Calibration.h"
+#include "HistoryCalibration.h"
 
 #include <cstdint>
 #include <string>
@@ -17,6 +18,7 @@ struct BenchOptions {
   uint32_t csvRuns = 1;           // the CSV reader writes gigabytes; its best of this many
   std::string workDir;            // empty: a fresh directory in the temporary directory
   CalibrationOptions calibration;
+  HistoryCalibrationOptions history;
 };
 
 } // namespace kvt::profiling

@@ -7,6 +7,7 @@
 #include "ChildRun.h"
 #include "ComparisonTiming.h"
 #include "FloorWalk.h"
+#include "HistoryCalibration.h"
 #include "LogSynthesis.h"
 #include "ReaderHost.h"
 #include "ReportTarget.h"
@@ -86,7 +87,8 @@ public:
 
   bool run() {
     return runMain() && runComparisonPage() && runScaling() &&
-           runCalibration(options.calibration, dir.file(""));
+           runCalibration(options.calibration, dir.file("")) &&
+           runHistoryCalibration(options.history, dir.file(""));
   }
 
 private:

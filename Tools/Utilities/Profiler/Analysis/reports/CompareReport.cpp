@@ -6,8 +6,6 @@
 #include "comparison/StepFactor.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 namespace kvt::profiling {
 
@@ -25,23 +23,6 @@ int tableGroup(Verdict verdict) {
   default:
     return 3;
   }
-}
-
-std::string orDash(const std::string& text) {
-  return text == "null" ? "-" : text;
-}
-
-std::string formatInterval(const std::optional<Interval>& interval, int decimals) {
-  if (!interval)
-    return "-";
-  std::string text = "[";
-  text.append(formatFinite(interval->low, decimals)).append(", ");
-  return text.append(formatFinite(interval->high, decimals)).append("]");
-}
-
-std::string withSign(double value, int decimals) {
-  std::string text = value >= 0 ? "+" : "";
-  return text.append(formatFinite(value, decimals));
 }
 
 // "model: run-wide shift +300.0 (+18.7 %, 98 % interval +17.9 % to +19.5 %); step factor 1.0000
@@ -87,13 +68,6 @@ std::string formatMoreNeeded(const ComparisonRow& row) {
 
 void writeComparedSideJson(std::ostream& out, const ComparedSide& side) {
   out << "{\"count\": " << side.count << ", \"p50\": " << formatOptional(side.p50) << '}';
-}
-
-void writeIntervalJson(std::ostream& out, const std::optional<Interval>& interval) {
-  if (interval)
-    out << '[' << formatFinite(interval->low) << ", " << formatFinite(interval->high) << ']';
-  else
-    out << "null";
 }
 
 void writeGraphJson(std::ostream& out, const GraphShift& graph) {

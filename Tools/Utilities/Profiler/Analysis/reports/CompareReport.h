@@ -34,9 +34,8 @@ void writeComparisonJson(std::ostream& out, const Comparison& comparison,
                          const ComparedPartials& partials = {});
 
 // The pieces of that document, for other JSON that carries a comparison: a side's {"count",
-// "p50"}; an interval's [low, high] or null; a graph's {"name", "runShift"}; the totals.
+// "p50"}; a graph's {"name", "runShift"}; the totals (an interval's is in ReportText.h).
 void writeComparedSideJson(std::ostream& out, const ComparedSide& side);
-void writeIntervalJson(std::ostream& out, const std::optional<Interval>& interval);
 void writeGraphJson(std::ostream& out, const GraphShift& graph);
 void writeTotalsJson(std::ostream& out, const ComparisonTotals& totals);
 

@@ -61,6 +61,30 @@ std::string formatFinite(std::optional<double> value, int decimals) {
   return text;
 }
 
+std::string withSign(double value, int decimals) {
+  std::string text = value >= 0 ? "+" : "";
+  return text.append(formatFinite(value, decimals));
+}
+
+std::string orDash(const std::string& text) {
+  return text == "null" ? "-" : text;
+}
+
+std::string formatInterval(const std::optional<Interval>& interval, int decimals) {
+  if (!interval)
+    return "-";
+  std::string text = "[";
+  text.append(formatFinite(interval->low, decimals)).append(", ");
+  return text.append(formatFinite(interval->high, decimals)).append("]");
+}
+
+void writeIntervalJson(std::ostream& out, const std::optional<Interval>& interval) {
+  if (interval)
+    out << '[' << formatFinite(interval->low) << ", " << formatFinite(interval->high) << ']';
+  else
+    out << "null";
+}
+
 std::string formatOptional(std::optional<uint64_t> value) {
   return value ? std::to_string(*value) : "null";
 }

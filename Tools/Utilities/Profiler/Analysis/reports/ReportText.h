@@ -1,6 +1,7 @@
 // Small text pieces the statistics reports share: JSON strings and numbers and CSV fields.
 #pragma once
 
+#include "comparison/ShiftEstimate.h"
 #include "log/ParseDriver.h"
 #include "statistics/SeriesSummary.h"
 
@@ -28,6 +29,18 @@ std::string formatSignificant(std::optional<double> value);
 // A finite figure with decimals decimals, else "null": JSON has no NaN. A figure that rounds to
 // zero is "0.000", never "-0.000".
 std::string formatFinite(std::optional<double> value, int decimals = 3);
+
+// A finite figure with its sign, "+1.5" or "-0.3".
+std::string withSign(double value, int decimals);
+
+// "-" for "null", else text: how a table shows a figure that does not exist.
+std::string orDash(const std::string& text);
+
+// "[low, high]" with decimals decimals, "-" when there is none.
+std::string formatInterval(const std::optional<Interval>& interval, int decimals);
+
+// [low, high] with three decimals, or null.
+void writeIntervalJson(std::ostream& out, const std::optional<Interval>& interval);
 
 // A number or "null".
 std::string formatOptional(std::optional<uint64_t> value);

@@ -22,6 +22,7 @@ int runToolCommand(const std::vector<std::string>& args, ToolConsole& console) {
   addCompareCommand(tool, run);
   addReportCommand(tool, run);
   addExecutionsCommand(tool, run);
+  addHistoryCommand(tool, run);
   if (const std::optional<int> status = parseCommandLine(tool, args, console.out, console.err))
     return *status;
   return run.exitCode;

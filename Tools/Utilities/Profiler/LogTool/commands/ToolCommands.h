@@ -21,5 +21,6 @@ void addStatsCommand(CLI::App& tool, CommandRun& run);
 void addCompareCommand(CLI::App& tool, CommandRun& run);
 void addReportCommand(CLI::App& tool, CommandRun& run);
 void addExecutionsCommand(CLI::App& tool, CommandRun& run);
+void addHistoryCommand(CLI::App& tool, CommandRun& run);
 
 } // namespace kvt::profiling

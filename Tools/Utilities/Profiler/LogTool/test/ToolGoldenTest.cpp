@@ -40,7 +40,8 @@ std::string writeEditedCopy(const testing::TempDir& folder, const fs::path& path
 }
 
 // Where a case's commands read and write. In a command line {NAME} stands for the case's log
-// NAME.log, built from its NAME.json; [PATH] for the file PATH of the case's folder; <out> for a
+// NAME.log, built from its NAME.json; [PATH] for the file PATH of the case's folder (@[PATH] for
+// a list file there); <out> for a
 // fresh folder that also keeps each command's standard output as OUTPUT.out for later commands.
 // Any of them followed by %EDIT stands for an edited copy of that file (see writeEditedCopy).
 struct CasePlaces {
@@ -61,6 +62,8 @@ struct CasePlaces {
         word = (logDir / (inner + ".log")).string();
       else if (word.front() == '[' && word.back() == ']')
         word = (caseDir / inner).string();
+      else if (word.starts_with("@[") && word.back() == ']')
+        word = '@' + (caseDir / word.substr(2, word.size() - 3)).string();
       else if (word.starts_with("<out>"))
         word = outDir.path().string() + word.substr(5);
       words.push_back(edit.empty() ? word : writeEditedCopy(outDir, word, edit));
