@@ -1,5 +1,6 @@
 // The kvtprofile module: each function checks its arguments, reads with the GIL released through
 // the analysis library or the reader, and hands back what it read as pandas or text.
+#include "Arguments.h"
 #include "FrameColumns.h"
 #include "Frames.h"
 #include "ReaderFailure.h"
@@ -11,6 +12,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl/filesystem.h>
 
+#include <filesystem>
 #include <iostream>
 #include <mutex>
 #include <sstream>
@@ -23,39 +25,55 @@ using Path = std::filesystem::path;
 
 constexpr const char* logUnit = "us"; // the unit the reader shows a log's values in
 
-VisibilityLevel readVisibility(int64_t visibility) {
+VisibilityLevel readVisibility(py::handle value) {
+  const int64_t visibility = readInteger(value, "visibility");
   if (visibility < -128 || visibility > 127)
     throw py::value_error("visibility must be from -128 to 127, not " + std::to_string(visibility));
   return VisibilityLevel(visibility);
 }
 
-uint64_t readSkipFirst(int64_t skipFirst) {
+uint64_t readSkipFirst(py::handle value) {
+  const int64_t skipFirst = readInteger(value, "skip_first");
   if (skipFirst < 0)
     throw py::value_error("skip_first must be 0 or more, not " + std::to_string(skipFirst));
   return uint64_t(skipFirst);
 }
 
-py::dict describeRead(const Path& path, uint64_t skipFirst, VisibilityLevel visibility) {
+FrameLogs describeLogs(const LogPaths& logs) {
+  FrameLogs frameLogs{{}, logs.list};
+  for (const Path& path : logs.paths)
+    frameLogs.paths.push_back(path.string());
+  return frameLogs;
+}
+
+// log is the path, or the list of paths when several were asked for.
+py::dict describeRead(const FrameLogs& logs, uint64_t skipFirst, VisibilityLevel visibility) {
   py::dict attrs;
-  attrs["log"] = decodeText(path.string());
+  py::list paths;
+  for (const std::string& path : logs.paths)
+    paths.append(decodeText(path));
+  attrs["log"] = logs.column ? py::object(paths) : py::object(paths[0]);
   attrs["unit"] = logUnit;
-  attrs["skipFirst"] = skipFirst;
+  attrs["skip_first"] = skipFirst;
   attrs["visibility"] = int(visibility);
   return attrs;
 }
 
-py::object readExecutions(const Path& path, int64_t visibility, int64_t skipFirst) {
+py::object readExecutions(py::handle path, py::handle visibility, py::handle skipFirst) {
+  const LogPaths logs = readLogPaths(path, "path");
   const ExecutionRowOptions options{readVisibility(visibility), readSkipFirst(skipFirst)};
-  requireExistingFile(path);
-  ExecutionColumns columns;
-  {
+  ExecutionColumnBuilder builder;
+  for (const Path& log : logs.paths) {
+    requireExistingFile(log);
     const py::gil_scoped_release released;
     clearReaderMessages();
-    if (!readExecutionColumns(path.string(), options, columns))
-      throwReaderFailure("cannot read the log " + path.string());
+    if (!readExecutionColumns(log.string(), options, builder))
+      throwReaderFailure("cannot read the log " + log.string());
   }
-  py::object frame = makeExecutionsFrame(columns);
-  frame.attr("attrs") = describeRead(path, options.skipFirst, options.visibilityLevel);
+  ExecutionColumns columns = std::move(builder).take();
+  const FrameLogs frameLogs = describeLogs(logs);
+  py::object frame = makeExecutionsFrame(columns, frameLogs);
+  frame.attr("attrs") = describeRead(frameLogs, options.skipFirst, options.visibilityLevel);
   return frame;
 }
 
@@ -69,60 +87,77 @@ RunStatistics readStatistics(const Path& path, const StatisticsOptions& options)
   return run;
 }
 
-py::object readStats(const Path& path, int64_t skipFirst, int64_t visibility) {
-  StatisticsOptions options;
-  options.skipFirst = readSkipFirst(skipFirst);
-  options.visibilityLevel = readVisibility(visibility);
-  const RunStatistics run = readStatistics(path, options);
-  py::object frame = makeStatsFrame(run);
-  py::dict attrs = describeRead(path, options.skipFirst, options.visibilityLevel);
+py::dict countExecutions(const RunStatistics& run) {
   py::dict executions;
   for (const GraphStatistics& graph : run.graphs)
     executions[decodeText(graph.name)] = graph.executions - graph.skipped;
-  attrs["executions"] = executions;
+  return executions;
+}
+
+py::object readStats(py::handle path, py::handle skipFirst, py::handle visibility) {
+  const LogPaths logs = readLogPaths(path, "path");
+  StatisticsOptions options;
+  options.skipFirst = readSkipFirst(skipFirst);
+  options.visibilityLevel = readVisibility(visibility);
+  std::vector<RunStatistics> runs;
+  for (const Path& log : logs.paths)
+    runs.push_back(readStatistics(log, options));
+  const FrameLogs frameLogs = describeLogs(logs);
+  py::object frame = makeStatsFrame(runs, frameLogs);
+  py::dict attrs = describeRead(frameLogs, options.skipFirst, options.visibilityLevel);
+  if (logs.list) {
+    py::dict executions;
+    for (size_t log = 0; log < runs.size(); ++log)
+      executions[decodeText(frameLogs.paths[log])] = countExecutions(runs[log]);
+    attrs["executions"] = executions;
+  } else {
+    attrs["executions"] = countExecutions(runs.front());
+  }
   frame.attr("attrs") = attrs;
   return frame;
 }
 
-// The rules of the command line's options, with its words.
-ComparisonOptions readComparisonOptions(double alpha, double threshold, double minChange,
-                                        bool relative) {
-  auto refuse = [](const std::string& name, const std::string& what, double value) {
-    throw py::value_error(name + " needs " + what + ", not " +
-                          py::repr(py::float_(value)).cast<std::string>());
-  };
-  if (!(alpha > 0 && alpha < 0.5))
-    refuse("alpha", "a probability above 0 and below 0.5", alpha);
-  if (!(threshold >= 0))
-    refuse("threshold", "a percentage of 0 or more", threshold);
-  if (!(minChange >= 0))
-    refuse("min_change", "a number of units of 0 or more", minChange);
-  return ComparisonOptions{alpha, threshold, minChange, relative};
+// The comparison's own check of its options, in the module's words.
+ComparisonOptions readComparisonOptions(py::handle alpha, py::handle threshold,
+                                        py::handle minChange, py::handle relative) {
+  const ComparisonOptions options{readNumber(alpha, "alpha"), readNumber(threshold, "threshold"),
+                                  readNumber(minChange, "min_change"),
+                                  readFlag(relative, "relative")};
+  if (const std::optional<ComparisonOption> refused = findOptionOutOfRange(options)) {
+    const char* names[] = {"alpha", "threshold", "min_change"}; // by ComparisonOption
+    throw py::value_error(std::string(names[int(*refused)]) + " needs " +
+                          std::string(describeRange(*refused)) + ", not " +
+                          py::repr(py::float_(readOption(options, *refused))).cast<std::string>());
+  }
+  return options;
 }
 
-py::object readComparison(const Path& basePath, const Path& newPath, double alpha, double threshold,
-                          double minChange, bool relative, int64_t skipFirst) {
+py::object readComparison(py::handle basePath, py::handle newPath, py::handle alpha,
+                          py::handle threshold, py::handle minChange, py::handle relative,
+                          py::handle skipFirst) {
+  const Path base = readPath(basePath, "base");
+  const Path next = readPath(newPath, "new");
   const ComparisonOptions comparisonOptions =
       readComparisonOptions(alpha, threshold, minChange, relative);
   StatisticsOptions options;
   options.skipFirst = readSkipFirst(skipFirst);
-  const RunStatistics base = readStatistics(basePath, options);
-  const RunStatistics next = readStatistics(newPath, options);
+  const RunStatistics baseRun = readStatistics(base, options);
+  const RunStatistics nextRun = readStatistics(next, options);
   Comparison comparison;
   {
     const py::gil_scoped_release released;
-    comparison = compareRuns(base, next, comparisonOptions);
+    comparison = compareRuns(baseRun, nextRun, comparisonOptions);
   }
   py::object frame = makeComparisonFrame(comparison);
   py::dict attrs;
-  attrs["base"] = decodeText(basePath.string());
-  attrs["new"] = decodeText(newPath.string());
+  attrs["base"] = decodeText(base.string());
+  attrs["new"] = decodeText(next.string());
   attrs["unit"] = logUnit;
-  attrs["alpha"] = alpha;
-  attrs["threshold"] = threshold;
-  attrs["minChange"] = minChange;
-  attrs["relative"] = relative;
-  attrs["skipFirst"] = options.skipFirst;
+  attrs["alpha"] = comparisonOptions.alpha;
+  attrs["threshold"] = comparisonOptions.thresholdPercent;
+  attrs["min_change"] = comparisonOptions.minChangeUnits;
+  attrs["relative"] = comparisonOptions.relative;
+  attrs["skip_first"] = options.skipFirst;
   attrs["graphs"] = describeGraphShifts(comparison);
   attrs["totals"] = describeTotals(comparison.totals);
   frame.attr("attrs") = attrs;
@@ -182,25 +217,34 @@ PYBIND11_MODULE(kvtprofile, module) {
              py::arg("visibility") = 127, py::arg("skip_first") = 0,
              R"(Every execution's values as one long table, a row per value.
 
-Rows come graph by graph in log order, each execution's as the statistics walk it: its
-duration, its queue wait when it had exactly one, then each top-level back-end record followed
-by the span and (where it has one) the wait of each of its steps.
+path is a log, or a list (any iterable) of logs, read into one frame in the given order.
+Rows come execution by execution in log order, each execution's as the statistics walk it: its
+duration, its queue wait when it had exactly one queue-wait event, then each top-level back-end
+record (not that queue wait) followed by the span and (where it has one) the wait of each of
+its steps. Each value is in exactly one series.
 
 Columns:
   graph       category: the graph's name
-  execution   int64: the execution's index within its graph, from 0 (skipped ones count)
-  series      category: "duration", "queueWait", "backend", "span" or "wait"
-  parent      category: the top-level record a step runs under; missing but for span, wait
+  series      category: "duration", "queueWait", "backend", "span" or "wait" (all five are
+              categories)
   name        category: the record's or step's identifier; the series for duration, queueWait
-  occurrence  UInt64: the k-th record of that name (under that parent) in one execution, from 0;
+  parent      category: the top-level record a step runs under; missing but for span, wait
+  occurrence  Int64: the k-th record of that name (under that parent) in one execution, from 0;
               missing for duration and queueWait
-  value       uint64: in the log's unit
+  execution   int64: the execution's index within its graph, from 0 (skipped ones count)
+  value       int64: in the log's unit
+  log         category: the log's path as given; only when path is a list, whose logs share
+              the categories of every column (no pd.concat needed)
 
-attrs: log, unit ("us"), skipFirst, visibility.
+attrs: log (the path, or the list of paths), unit ("us"), skip_first, visibility.
 
 visibility keeps messages whose level is below it (-128 to 127); skip_first leaves each graph's
-first executions out. Raises LogError with the reader's message when the reader refuses the log
-(no partial frame), FileNotFoundError when there is no file. The GIL is released while reading.
+first executions out. Whole numbers are signed, so differences keep their sign; a value above
+2^63 - 1 (no real time: 292,000 years of microseconds) raises OverflowError naming the log,
+series, execution and value rather than wrapping. Raises LogError with the reader's message
+when the reader refuses a log (no partial frame), FileNotFoundError when there is no file,
+TypeError naming the argument when one is of the wrong type, ValueError when one is out of
+range or a list is empty or names a log twice. The GIL is released while reading.
 
 Example: the p99 of each step's span, slowest first:
   df = kvtprofile.executions("run.log", skip_first=1)
@@ -212,44 +256,53 @@ Example: the p99 of each step's span, slowest first:
              py::arg("visibility") = 127,
              R"(Each series' figures, a row per series, as `kvt-profile-log stats` gives them.
 
-Columns: graph, series, name, parent, occurrence (the series' key, as in executions()), count
-(values counted), mean, stddev (population), min, p50, p90, p99 (nearest rank: the value at
-rank ceil(p/100 x n)), max, first (the value of the graph's very first execution, even when
-skipped) and share (span rows: the step's mean span in percent of the sum of all steps' mean
-spans). Figures but count and first are missing when count is 0. The queue wait is a series
-only when every counted execution had exactly one.
+path is a log or a list of logs, as for executions(). Columns: graph, series, name, parent,
+occurrence (the series' key, as in executions()), count (values counted), mean, stddev
+(population), min, p50, p90, p99 (nearest rank: the value at rank ceil(p/100 x n)), max, first
+(the value of the graph's very first execution, even when skipped) and share (span rows: the
+step's mean span in percent of the sum of all steps' mean spans), then log for a list. Whole
+figures are Int64, missing where JSON has null; figures but count and first are missing when
+count is 0. Grouping executions() by the key gives the same figures. The queue wait is a series
+when some execution had exactly one (count says how many).
 
-attrs: log, unit, skipFirst, visibility, executions (counted, by graph).
-Raises LogError, FileNotFoundError, ValueError as executions() does.)");
+attrs: log, unit, skip_first, visibility, executions (counted, by graph; for a list, by log and
+then by graph).
+Raises LogError, FileNotFoundError, OverflowError, TypeError and ValueError as executions()
+does.)");
 
+  const ComparisonOptions defaults;
   module.def("compare", &readComparison, py::arg("base"), py::arg("new"), py::kw_only(),
-             py::arg("alpha") = 0.01, py::arg("threshold") = 5.0, py::arg("min_change") = 0.0,
-             py::arg("relative") = false, py::arg("skip_first") = 0,
+             py::arg("alpha") = defaults.alpha, py::arg("threshold") = defaults.thresholdPercent,
+             py::arg("min_change") = defaults.minChangeUnits,
+             py::arg("relative") = defaults.relative, py::arg("skip_first") = 0,
              R"(Which series got slower or faster between two runs, as `kvt-profile-log compare`
 judges them, a row per series (base graphs and series in their order, then what new adds).
 
-Columns, those of `compare --format json` with its nested values flat:
+Columns, those of `compare --format json` with its nested values flat and in snake_case:
   graph, series, name, parent, occurrence   the series' key, as in executions()
   base_count, base_p50, new_count, new_p50  each run's counted values and median ("base" and
-                                            "new" in JSON)
-  shift          the Hodges-Lehmann shift, new - base, in the log's unit
-  changePercent  the shift in percent of the base median
+                                            "new" in JSON; int64, the medians Int64)
+  shift           the Hodges-Lehmann shift, new - base, in the log's unit
+  change_percent  the shift in percent of the base median
   interval_low, interval_high  its (1 - 2 alpha) interval, in percent ("interval" in JSON)
-  pValue, pAdjusted (Holm), qValue (Benjamini-Hochberg)
-  verdict        "slower", "faster", "same", "unsure", "added" or "removed"
-  needed         unsure rows: the executions per run that would tell
+  p_value, p_adjusted (Holm), q_value (Benjamini-Hochberg)
+  verdict         ordered category of all six verdicts: slower < faster < same < unsure <
+                  added < removed
+  needed          unsure rows: the executions per run that would tell (Int64)
 Missing where JSON has null.
 
-attrs: base, new, unit, alpha, threshold, minChange, relative, skipFirst, graphs (each graph's
-run-wide shift: name, shift, changePercent, interval_low, interval_high, ratio) and totals
-(slower, faster, same, unsure, added, removed, tested).
+attrs: base, new, unit, alpha, threshold, min_change, relative, skip_first, graphs (each
+graph's run-wide shift: name, shift, change_percent, interval_low, interval_high, ratio) and
+totals (slower, faster, same, unsure, added, removed, tested).
 
-alpha (above 0, below 0.5), threshold (percent), min_change (log units) and relative are the
-command's --alpha, --threshold, --min-change and --relative. Raises LogError with the reader's
-message, FileNotFoundError and ValueError as executions() does.)");
+alpha (above 0, below 0.5), threshold (percent, 0 or more), min_change (log units, 0 or more)
+and relative are the command's --alpha, --threshold, --min-change and --relative, with its
+defaults and checks. Raises LogError with the reader's message, FileNotFoundError,
+OverflowError (a median above 2^63 - 1), TypeError and ValueError as executions() does.)");
 
   module.def(
-      "summary", [](const Path& path) { return runReader<KvtProfileLogReader>(path, ""); },
+      "summary",
+      [](py::handle path) { return runReader<KvtProfileLogReader>(readPath(path, "path"), ""); },
       py::arg("path"),
       R"(The reader's statistics summary of the log, the text the viewer prints with
 `--reader csv` and no output: parse warnings, then every section of the summary.
@@ -257,8 +310,9 @@ Raises LogError with the reader's message when it refuses the log.)");
 
   module.def(
       "trace",
-      [](const Path& path, const Path& output) {
-        return runReader<KvtProfileLogReaderChrometrace>(path, output.string());
+      [](py::handle path, py::handle output) {
+        return runReader<KvtProfileLogReaderChrometrace>(readPath(path, "path"),
+                                                         readPath(output, "output").string());
       },
       py::arg("path"), py::arg("output"),
       R"(Writes the log's Chrome Trace Event Format file to output, as the viewer does, and

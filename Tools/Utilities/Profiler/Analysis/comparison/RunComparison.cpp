@@ -1,4 +1,4 @@
-// The comparison walks base in its order and looks each series up in new by a text key; what is
+// The comparison walks base in its order and looks each series up in new by its key; what is
 // left of new afterwards was added. The verdicts wait until every row has its p-value, since the
 // adjustment for many series needs them all.
 #include "RunComparison.h"
@@ -14,14 +14,6 @@
 namespace kvt::profiling {
 
 namespace {
-
-// Kind, parent, name and occurrence, with lengths first so that no two keys share a text.
-std::string makeKey(const SeriesRef& series) {
-  const std::string_view parent = series.parent.value_or("");
-  return std::to_string(int(series.kind)) + ':' + std::to_string(parent.size()) + ':' +
-         std::string(parent) + std::to_string(series.name.size()) + ':' + std::string(series.name) +
-         ':' + std::to_string(series.occurrence.value_or(0));
-}
 
 ComparedSide describeSide(std::span<const uint64_t> values) {
   if (values.empty())
@@ -90,12 +82,12 @@ private:
                      const GraphStatistics* next, double ratio) {
     const std::vector<SeriesRef> baseSeries = base ? listSeries(*base) : std::vector<SeriesRef>{};
     const std::vector<SeriesRef> nextSeries = next ? listSeries(*next) : std::vector<SeriesRef>{};
-    std::unordered_map<std::string, size_t> nextByKey;
+    std::unordered_map<SeriesKey, size_t, SeriesKeyHash> nextByKey;
     for (size_t i = 0; i < nextSeries.size(); ++i)
-      nextByKey.emplace(makeKey(nextSeries[i]), i);
+      nextByKey.emplace(makeSeriesKey(name, nextSeries[i]), i);
     std::vector<bool> matched(nextSeries.size());
     for (const SeriesRef& series : baseSeries) {
-      const auto it = nextByKey.find(makeKey(series));
+      const auto it = nextByKey.find(makeSeriesKey(name, series));
       if (it == nextByKey.end()) {
         ComparisonRow row = makeRow(name, series);
         row.base = describeSide(series.series->values);

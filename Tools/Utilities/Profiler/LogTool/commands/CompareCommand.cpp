@@ -1,7 +1,7 @@
 // `kvt-profile-log compare BASE NEW` on the command line; the comparison itself is the analysis
 // library's.
 #include "CommandLine.h"
-#include "ComparisonOptions.h"
+#include "ComparisonFlags.h"
 #include "ReaderReports.h"
 #include "StatsCommand.h"
 #include "ToolCommands.h"
