@@ -25,15 +25,15 @@ using Path = std::filesystem::path;
 
 constexpr const char* logUnit = "us"; // the unit the reader shows a log's values in
 
-VisibilityLevel readVisibility(py::handle value) {
-  const int64_t visibility = readInteger(value, "visibility");
+VisibilityLevel readVisibility(const IntegerArgument& argument) {
+  const int64_t visibility = readInteger(argument.value, "visibility");
   if (visibility < -128 || visibility > 127)
     throw py::value_error("visibility must be from -128 to 127, not " + std::to_string(visibility));
   return VisibilityLevel(visibility);
 }
 
-uint64_t readSkipFirst(py::handle value) {
-  const int64_t skipFirst = readInteger(value, "skip_first");
+uint64_t readSkipFirst(const IntegerArgument& argument) {
+  const int64_t skipFirst = readInteger(argument.value, "skip_first");
   if (skipFirst < 0)
     throw py::value_error("skip_first must be 0 or more, not " + std::to_string(skipFirst));
   return uint64_t(skipFirst);
@@ -59,8 +59,9 @@ py::dict describeRead(const FrameLogs& logs, uint64_t skipFirst, VisibilityLevel
   return attrs;
 }
 
-py::object readExecutions(py::handle path, py::handle visibility, py::handle skipFirst) {
-  const LogPaths logs = readLogPaths(path, "path");
+FrameResult readExecutions(const LogsArgument& path, const IntegerArgument& visibility,
+                           const IntegerArgument& skipFirst) {
+  const LogPaths logs = readLogPaths(path.value, "path");
   const ExecutionRowOptions options{readVisibility(visibility), readSkipFirst(skipFirst)};
   ExecutionColumnBuilder builder;
   for (const Path& log : logs.paths) {
@@ -74,7 +75,7 @@ py::object readExecutions(py::handle path, py::handle visibility, py::handle ski
   const FrameLogs frameLogs = describeLogs(logs);
   py::object frame = makeExecutionsFrame(columns, frameLogs);
   frame.attr("attrs") = describeRead(frameLogs, options.skipFirst, options.visibilityLevel);
-  return frame;
+  return {frame};
 }
 
 RunStatistics readStatistics(const Path& path, const StatisticsOptions& options) {
@@ -94,8 +95,9 @@ py::dict countExecutions(const RunStatistics& run) {
   return executions;
 }
 
-py::object readStats(py::handle path, py::handle skipFirst, py::handle visibility) {
-  const LogPaths logs = readLogPaths(path, "path");
+FrameResult readStats(const LogsArgument& path, const IntegerArgument& skipFirst,
+                      const IntegerArgument& visibility) {
+  const LogPaths logs = readLogPaths(path.value, "path");
   StatisticsOptions options;
   options.skipFirst = readSkipFirst(skipFirst);
   options.visibilityLevel = readVisibility(visibility);
@@ -114,15 +116,17 @@ py::object readStats(py::handle path, py::handle skipFirst, py::handle visibilit
     attrs["executions"] = countExecutions(runs.front());
   }
   frame.attr("attrs") = attrs;
-  return frame;
+  return {frame};
 }
 
 // The comparison's own check of its options, in the module's words.
-ComparisonOptions readComparisonOptions(py::handle alpha, py::handle threshold,
-                                        py::handle minChange, py::handle relative) {
-  const ComparisonOptions options{readNumber(alpha, "alpha"), readNumber(threshold, "threshold"),
-                                  readNumber(minChange, "min_change"),
-                                  readFlag(relative, "relative")};
+ComparisonOptions readComparisonOptions(const NumberArgument& alpha,
+                                        const NumberArgument& threshold,
+                                        const NumberArgument& minChange,
+                                        const FlagArgument& relative) {
+  const ComparisonOptions options{
+      readNumber(alpha.value, "alpha"), readNumber(threshold.value, "threshold"),
+      readNumber(minChange.value, "min_change"), readFlag(relative.value, "relative")};
   if (const std::optional<ComparisonOption> refused = findOptionOutOfRange(options)) {
     const char* names[] = {"alpha", "threshold", "min_change"}; // by ComparisonOption
     throw py::value_error(std::string(names[int(*refused)]) + " needs " +
@@ -132,11 +136,12 @@ ComparisonOptions readComparisonOptions(py::handle alpha, py::handle threshold,
   return options;
 }
 
-py::object readComparison(py::handle basePath, py::handle newPath, py::handle alpha,
-                          py::handle threshold, py::handle minChange, py::handle relative,
-                          py::handle skipFirst) {
-  const Path base = readPath(basePath, "base");
-  const Path next = readPath(newPath, "new");
+FrameResult readComparison(const PathArgument& basePath, const PathArgument& newPath,
+                           const NumberArgument& alpha, const NumberArgument& threshold,
+                           const NumberArgument& minChange, const FlagArgument& relative,
+                           const IntegerArgument& skipFirst) {
+  const Path base = readPath(basePath.value, "base");
+  const Path next = readPath(newPath.value, "new");
   const ComparisonOptions comparisonOptions =
       readComparisonOptions(alpha, threshold, minChange, relative);
   StatisticsOptions options;
@@ -161,7 +166,7 @@ py::object readComparison(py::handle basePath, py::handle newPath, py::handle al
   attrs["graphs"] = describeGraphShifts(comparison);
   attrs["totals"] = describeTotals(comparison.totals);
   frame.attr("attrs") = attrs;
-  return frame;
+  return {frame};
 }
 
 // Sends std::cout to another stream for its lifetime.
@@ -302,7 +307,9 @@ OverflowError (a median above 2^63 - 1), TypeError and ValueError as executions(
 
   module.def(
       "summary",
-      [](py::handle path) { return runReader<KvtProfileLogReader>(readPath(path, "path"), ""); },
+      [](const PathArgument& path) {
+        return runReader<KvtProfileLogReader>(readPath(path.value, "path"), "");
+      },
       py::arg("path"),
       R"(The reader's statistics summary of the log, the text the viewer prints with
 `--reader csv` and no output: parse warnings, then every section of the summary.
@@ -310,9 +317,9 @@ Raises LogError with the reader's message when it refuses the log.)");
 
   module.def(
       "trace",
-      [](py::handle path, py::handle output) {
-        return runReader<KvtProfileLogReaderChrometrace>(readPath(path, "path"),
-                                                         readPath(output, "output").string());
+      [](const PathArgument& path, const PathArgument& output) {
+        return runReader<KvtProfileLogReaderChrometrace>(readPath(path.value, "path"),
+                                                         readPath(output.value, "output").string());
       },
       py::arg("path"), py::arg("output"),
       R"(Writes the log's Chrome Trace Event Format file to output, as the viewer does, and
