@@ -58,6 +58,7 @@ std::optional<LogWalk> walkLog(const std::string& path) {
     case LogChunkReader::Status::endOfFile:
       return walk;
     case LogChunkReader::Status::oversized:
+    case LogChunkReader::Status::cutShort:
     case LogChunkReader::Status::outOfMemory:
       return std::nullopt;
     case LogChunkReader::Status::chunk:

@@ -14,8 +14,8 @@ bool writeBenchReport(const std::string& logPath, const std::string& pagePath,
   ReportOptions options;
   options.logPath = logPath;
   Report report;
-  std::string unreadablePath;
-  if (!readReport(options, report, unreadablePath) || !writeReportFile(pagePath, report))
+  std::string failure;
+  if (!readReport(options, report).back().complete() || !writeReportFile(pagePath, report, failure))
     return false;
   findings = std::to_string(std::filesystem::file_size(pagePath));
   return true;

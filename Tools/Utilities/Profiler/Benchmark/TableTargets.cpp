@@ -43,7 +43,7 @@ bool exportExecutionsCsv(const std::string& logPath, const std::string& outputPa
       writeExecutionText(logPath, {}, ExecutionTextFormat::csv, [file](std::string_view text) {
         return std::fwrite(text.data(), 1, text.size(), file) == text.size();
       });
-  return std::fclose(file) == 0 && result == ExecutionTextResult::written;
+  return std::fclose(file) == 0 && result.read.complete() && result.written;
 }
 
 std::optional<FrameMeasured> measureFrame(const PythonModule& module, const std::string& logPath) {

@@ -59,32 +59,48 @@ py::dict describeRead(const FrameLogs& logs, uint64_t skipFirst, VisibilityLevel
   return attrs;
 }
 
+// attrs["partial"]: the one log's, or a dict of each log's by its path.
+py::object describePartials(const FrameLogs& logs,
+                            const std::vector<std::optional<LogReadResult>>& partials) {
+  if (!logs.column)
+    return describePartial(partials.front());
+  py::dict described;
+  for (size_t log = 0; log < partials.size(); ++log)
+    described[decodeText(logs.paths[log])] = describePartial(partials[log]);
+  return described;
+}
+
 FrameResult readExecutions(const LogsArgument& path, const IntegerArgument& visibility,
-                           const IntegerArgument& skipFirst) {
+                           const IntegerArgument& skipFirst, const FlagArgument& partialArgument) {
   const LogPaths logs = readLogPaths(path.value, "path");
   const ExecutionRowOptions options{readVisibility(visibility), readSkipFirst(skipFirst)};
+  const bool partial = readFlag(partialArgument.value, "partial");
   ExecutionColumnBuilder builder;
+  std::vector<std::optional<LogReadResult>> partials;
   for (const Path& log : logs.paths) {
     requireExistingFile(log);
     const py::gil_scoped_release released;
     clearReaderMessages();
-    if (!readExecutionColumns(log.string(), options, builder))
-      throwReaderFailure("cannot read the log " + log.string());
+    const LogReadResult read = readExecutionColumns(log.string(), options, builder);
+    requireStandingRead(read, partial);
+    partials.push_back(read.complete() ? std::nullopt : std::optional(read));
   }
   ExecutionColumns columns = std::move(builder).take();
   const FrameLogs frameLogs = describeLogs(logs);
   py::object frame = makeExecutionsFrame(columns, frameLogs);
-  frame.attr("attrs") = describeRead(frameLogs, options.skipFirst, options.visibilityLevel);
+  py::dict attrs = describeRead(frameLogs, options.skipFirst, options.visibilityLevel);
+  attrs["partial"] = describePartials(frameLogs, partials);
+  frame.attr("attrs") = attrs;
   return {frame};
 }
 
-RunStatistics readStatistics(const Path& path, const StatisticsOptions& options) {
+RunStatistics readStatistics(const Path& path, const StatisticsOptions& options,
+                             std::string_view role = {}) {
   requireExistingFile(path);
   RunStatistics run;
   const py::gil_scoped_release released;
   clearReaderMessages();
-  if (!readRunStatistics(path.string(), options, run))
-    throwReaderFailure("cannot read the log " + path.string());
+  requireStandingRead(readRunStatistics(path.string(), options, run), options.partial, role);
   return run;
 }
 
@@ -96,14 +112,18 @@ py::dict countExecutions(const RunStatistics& run) {
 }
 
 FrameResult readStats(const LogsArgument& path, const IntegerArgument& skipFirst,
-                      const IntegerArgument& visibility) {
+                      const IntegerArgument& visibility, const FlagArgument& partial) {
   const LogPaths logs = readLogPaths(path.value, "path");
   StatisticsOptions options;
   options.skipFirst = readSkipFirst(skipFirst);
   options.visibilityLevel = readVisibility(visibility);
+  options.partial = readFlag(partial.value, "partial");
   std::vector<RunStatistics> runs;
-  for (const Path& log : logs.paths)
+  std::vector<std::optional<LogReadResult>> partials;
+  for (const Path& log : logs.paths) {
     runs.push_back(readStatistics(log, options));
+    partials.push_back(runs.back().partial);
+  }
   const FrameLogs frameLogs = describeLogs(logs);
   py::object frame = makeStatsFrame(runs, frameLogs);
   py::dict attrs = describeRead(frameLogs, options.skipFirst, options.visibilityLevel);
@@ -115,6 +135,7 @@ FrameResult readStats(const LogsArgument& path, const IntegerArgument& skipFirst
   } else {
     attrs["executions"] = countExecutions(runs.front());
   }
+  attrs["partial"] = describePartials(frameLogs, partials);
   frame.attr("attrs") = attrs;
   return {frame};
 }
@@ -139,15 +160,16 @@ ComparisonOptions readComparisonOptions(const NumberArgument& alpha,
 FrameResult readComparison(const PathArgument& basePath, const PathArgument& newPath,
                            const NumberArgument& alpha, const NumberArgument& threshold,
                            const NumberArgument& minChange, const FlagArgument& relative,
-                           const IntegerArgument& skipFirst) {
+                           const IntegerArgument& skipFirst, const FlagArgument& partial) {
   const Path base = readPath(basePath.value, "base");
   const Path next = readPath(newPath.value, "new");
   const ComparisonOptions comparisonOptions =
       readComparisonOptions(alpha, threshold, minChange, relative);
   StatisticsOptions options;
   options.skipFirst = readSkipFirst(skipFirst);
-  const RunStatistics baseRun = readStatistics(base, options);
-  const RunStatistics nextRun = readStatistics(next, options);
+  options.partial = readFlag(partial.value, "partial");
+  const RunStatistics baseRun = readStatistics(base, options, "base log");
+  const RunStatistics nextRun = readStatistics(next, options, "new log");
   Comparison comparison;
   {
     const py::gil_scoped_release released;
@@ -165,6 +187,10 @@ FrameResult readComparison(const PathArgument& basePath, const PathArgument& new
   attrs["skip_first"] = options.skipFirst;
   attrs["graphs"] = describeGraphShifts(comparison);
   attrs["totals"] = describeTotals(comparison.totals);
+  py::dict partials;
+  partials["base"] = describePartial(baseRun.partial);
+  partials["new"] = describePartial(nextRun.partial);
+  attrs["partial"] = partials;
   frame.attr("attrs") = attrs;
   return {frame};
 }
@@ -216,10 +242,10 @@ PYBIND11_MODULE(kvtprofile, module) {
   py::module_::import("pandas");
   catchReaderMessages();
   py::register_exception<LogFailure>(module, "LogError").attr("__doc__") =
-      "The reader refused the log; the message is the reader's own.";
+      "The log was refused: the file and what is wrong where, then the reader's own messages.";
 
   module.def("executions", &readExecutions, py::arg("path"), py::kw_only(),
-             py::arg("visibility") = 127, py::arg("skip_first") = 0,
+             py::arg("visibility") = 127, py::arg("skip_first") = 0, py::arg("partial") = false,
              R"(Every execution's values as one long table, a row per value.
 
 path is a log, or a list (any iterable) of logs, read into one frame in the given order.
@@ -241,15 +267,21 @@ Columns:
   log         category: the log's path as given; only when path is a list, whose logs share
               the categories of every column (no pd.concat needed)
 
-attrs: log (the path, or the list of paths), unit ("us"), skip_first, visibility.
+attrs: log (the path, or the list of paths), unit ("us"), skip_first, visibility, partial.
 
 visibility keeps messages whose level is below it (-128 to 127); skip_first leaves each graph's
 first executions out. Whole numbers are signed, so differences keep their sign; a value above
 2^63 - 1 (no real time: 292,000 years of microseconds) raises OverflowError naming the log,
-series, execution and value rather than wrapping. Raises LogError with the reader's message
-when the reader refuses a log (no partial frame), FileNotFoundError when there is no file,
-TypeError naming the argument when one is of the wrong type, ValueError when one is out of
-range or a list is empty or names a log twice. The GIL is released while reading.
+series, execution and value rather than wrapping.
+
+Raises LogError when a log is refused: its first line names the file and what is wrong where
+("run.log: chunk 15 at offset 4809716 is cut short: ..."), the reader's own messages follow.
+partial=True instead reads a cut or damaged log up to its first bad chunk: attrs["partial"] is
+then {"chunks_read", "bytes_read", "reason"} and a RuntimeWarning says what was dropped (None
+when the log was whole; for a list, a dict of each log's by its path). A path that is no log
+still raises. FileNotFoundError when there is no file, TypeError naming the argument when one is
+of the wrong type, ValueError when one is out of range or a list is empty or names a log twice.
+The GIL is released while reading.
 
 Example: the p99 of each step's span, slowest first:
   df = kvtprofile.executions("run.log", skip_first=1)
@@ -258,7 +290,7 @@ Example: the p99 of each step's span, slowest first:
   spans.groupby(keys, observed=True).value.quantile(0.99).sort_values(ascending=False))");
 
   module.def("stats", &readStats, py::arg("path"), py::kw_only(), py::arg("skip_first") = 0,
-             py::arg("visibility") = 127,
+             py::arg("visibility") = 127, py::arg("partial") = false,
              R"(Each series' figures, a row per series, as `kvt-profile-log stats` gives them.
 
 path is a log or a list of logs, as for executions(). Columns: graph, series, name, parent,
@@ -271,15 +303,16 @@ count is 0. Grouping executions() by the key gives the same figures. The queue w
 when some execution had exactly one (count says how many).
 
 attrs: log, unit, skip_first, visibility, executions (counted, by graph; for a list, by log and
-then by graph).
-Raises LogError, FileNotFoundError, OverflowError, TypeError and ValueError as executions()
-does.)");
+then by graph), partial.
+partial, LogError, FileNotFoundError, OverflowError, TypeError and ValueError as in
+executions().)");
 
   const ComparisonOptions defaults;
   module.def("compare", &readComparison, py::arg("base"), py::arg("new"), py::kw_only(),
              py::arg("alpha") = defaults.alpha, py::arg("threshold") = defaults.thresholdPercent,
              py::arg("min_change") = defaults.minChangeUnits,
              py::arg("relative") = defaults.relative, py::arg("skip_first") = 0,
+             py::arg("partial") = false,
              R"(Which series got slower or faster between two runs, as `kvt-profile-log compare`
 judges them, a row per series (base graphs and series in their order, then what new adds).
 
@@ -297,13 +330,15 @@ Columns, those of `compare --format json` with its nested values flat and in sna
 Missing where JSON has null.
 
 attrs: base, new, unit, alpha, threshold, min_change, relative, skip_first, graphs (each
-graph's run-wide shift: name, shift, change_percent, interval_low, interval_high, ratio) and
-totals (slower, faster, same, unsure, added, removed, tested).
+graph's run-wide shift: name, shift, change_percent, interval_low, interval_high, ratio),
+totals (slower, faster, same, unsure, added, removed, tested) and partial ({"base": ...,
+"new": ...}, each as in executions()).
 
 alpha (above 0, below 0.5), threshold (percent, 0 or more), min_change (log units, 0 or more)
 and relative are the command's --alpha, --threshold, --min-change and --relative, with its
-defaults and checks. Raises LogError with the reader's message, FileNotFoundError,
-OverflowError (a median above 2^63 - 1), TypeError and ValueError as executions() does.)");
+defaults and checks. Raises LogError as executions() does, its first line opened by "base log"
+or "new log"; FileNotFoundError, OverflowError (a median above 2^63 - 1), TypeError and
+ValueError too.)");
 
   module.def(
       "summary",

@@ -49,6 +49,28 @@ void throwReaderFailure(const std::string& fallback) {
   throw LogFailure(threadMessages.empty() ? fallback : threadMessages);
 }
 
+void requireStandingRead(const LogReadResult& read, bool partial, std::string_view role) {
+  if (read.stands(partial))
+    return;
+  std::string message = role.empty() ? "" : std::string(role) + ' ';
+  message += describeLogFault(*read.fault);
+  if (!threadMessages.empty())
+    message += '\n' + threadMessages;
+  throw LogFailure(message);
+}
+
+pybind11::object describePartial(const std::optional<LogReadResult>& partial) {
+  if (!partial || !partial->fault)
+    return pybind11::none();
+  if (PyErr_WarnEx(PyExc_RuntimeWarning, describePartialRead(*partial).c_str(), 1) != 0)
+    throw pybind11::error_already_set();
+  pybind11::dict described;
+  described["chunks_read"] = partial->chunksRead;
+  described["bytes_read"] = partial->bytesRead;
+  described["reason"] = describeLogFaultWithoutPath(*partial->fault);
+  return described;
+}
+
 void requireExistingFile(const std::filesystem::path& path) {
   std::error_code ignored;
   if (std::filesystem::exists(path, ignored))

@@ -12,19 +12,21 @@ _Path = Union[str, bytes, os.PathLike[str], os.PathLike[bytes]]
 _Logs = Union[_Path, Iterable[_Path]]
 
 class LogError(Exception):
-    """The reader refused the log; the message is the reader's own."""
+    """The log was refused: the file and what is wrong where, then the reader's own messages."""
 
-def executions(path: _Logs, *, visibility: int = 127, skip_first: int = 0) -> pandas.DataFrame:
+def executions(path: _Logs, *, visibility: int = 127, skip_first: int = 0,
+               partial: bool = False) -> pandas.DataFrame:
     """Every execution's values, a row per value: graph, series, name, parent, occurrence,
     execution, value; with a list of logs, then log (a categorical shared by every log)."""
 
-def stats(path: _Logs, *, skip_first: int = 0, visibility: int = 127) -> pandas.DataFrame:
+def stats(path: _Logs, *, skip_first: int = 0, visibility: int = 127,
+          partial: bool = False) -> pandas.DataFrame:
     """Each series' figures, a row per series, as `kvt-profile-log stats` gives them; with a list
     of logs, then log."""
 
 def compare(base: _Path, new: _Path, *, alpha: float = ..., threshold: float = ...,
             min_change: float = ..., relative: bool = ...,
-            skip_first: int = 0) -> pandas.DataFrame:
+            skip_first: int = 0, partial: bool = False) -> pandas.DataFrame:
     """Which series got slower or faster between two runs, a row per series, with the columns of
     `kvt-profile-log compare --format json` in snake_case (base_count, base_p50, new_count,
     new_p50, change_percent, interval_low, interval_high, p_value, p_adjusted, q_value flat);

@@ -2,7 +2,7 @@
 // anywhere.
 #include "ReportBuild.h"
 
-#include "ReportFile.h"
+#include "log/OutputFile.h"
 
 #include <ctime>
 #include <filesystem>
@@ -25,7 +25,7 @@ std::string formatCreated(std::optional<uint64_t> createdUs) {
 
 } // namespace
 
-bool readReport(const ReportOptions& options, Report& report, std::string& unreadablePath) {
+std::vector<LogReadResult> readReport(const ReportOptions& options, Report& report) {
   std::vector<std::string> paths;
   if (options.basePath)
     paths.push_back(*options.basePath);
@@ -36,12 +36,12 @@ bool readReport(const ReportOptions& options, Report& report, std::string& unrea
                          : options.title;
   read.input.skipFirst = options.statistics.skipFirst;
   std::vector<RunStatistics> runs;
+  std::vector<LogReadResult> reads;
   for (const std::string& path : paths) {
     RunFigures figures;
-    if (!readRunFigures(path, options.statistics, runs.emplace_back(), figures)) {
-      unreadablePath = path;
-      return false;
-    }
+    reads.push_back(readRunFigures(path, options.statistics, runs.emplace_back(), figures));
+    if (!reads.back().stands(options.statistics.partial))
+      return reads;
     read.input.runs.push_back(std::move(figures));
     read.logs.push_back({path, formatCreated(runs.back().createdUs)});
   }
@@ -51,15 +51,15 @@ bool readReport(const ReportOptions& options, Report& report, std::string& unrea
     read.input.comparison->newPath = options.logPath;
   }
   report = std::move(read);
-  return true;
+  return reads;
 }
 
-bool writeReportFile(const std::string& path, const Report& report) {
+bool writeReportFile(const std::string& path, const Report& report, std::string& failure) {
   std::ostringstream data;
   writeReportData(data, report.input);
-  return writeWholeFile(path, [&](std::ostream& out) {
-    writeReportPage(out, report.input.title, report.logs, data.str());
-  });
+  std::ostringstream page;
+  writeReportPage(page, report.input.title, report.logs, data.str());
+  return writeWholeFile(path, page.str(), failure);
 }
 
 } // namespace kvt::profiling

@@ -23,11 +23,14 @@ struct Report {
   std::vector<PageLog> logs; // as input.runs
 };
 
-// Reads the base log, when there is one, then the log into report, and compares them. False when
-// one cannot be read, with the reader's report to the log facility and its path in unreadablePath.
-bool readReport(const ReportOptions& options, Report& report, std::string& unreadablePath);
+// Reads the base log, when there is one, then the log into report, and compares them. Each log's
+// read in that order (a run's figures keep a partial one): the last is incomplete, and does not
+// stand under options.statistics.partial, when that log cannot be read; the reader has then
+// reported to the log facility and report is left as it was.
+std::vector<LogReadResult> readReport(const ReportOptions& options, Report& report);
 
-// Writes the page of report to path, whole or not at all; false when it cannot be written.
-bool writeReportFile(const std::string& path, const Report& report);
+// Writes the page of report to path, whole or not at all (see OutputFile); false, with the
+// system's reason in failure, when it cannot be written.
+bool writeReportFile(const std::string& path, const Report& report, std::string& failure);
 
 } // namespace kvt::profiling

@@ -88,6 +88,10 @@ void writeGraph(std::ostream& out, const GraphFigures& graph) {
 void writeRun(std::ostream& out, const RunFigures& run) {
   out << "    {\n      \"log\": ";
   writeJsonString(out, run.log);
+  if (run.partial) {
+    out << ",\n      \"partial\": ";
+    writePartialJson(out, run.partial);
+  }
   out << ",\n      \"graphs\": [";
   for (size_t i = 0; i < run.graphs.size(); ++i) {
     out << (i ? ",\n" : "\n");

@@ -22,7 +22,8 @@ struct ReportInput {
 };
 
 // {"schema": 1, "title": ..., "skipFirst": N, "runs": [{"log": ..., "graphs": [{..., "series":
-// [...]}]}], "comparison": ..., "overlays": [...]}, one series a line; a series' points carry
+// [...]}]}], "comparison": ..., "overlays": [...]}, one series a line; a run read partially has
+// "partial": {"chunksRead", "bytesRead", "reason"} after its log; a series' points carry
 // "index": null when none was thinned out. The comparison is the JSON of kvt-profile-log compare
 // and overlays holds each of its rows' overlaid histograms; both are null without a base.
 // Every '<' is written as \u003c, so that no text from a log can close the script element the data

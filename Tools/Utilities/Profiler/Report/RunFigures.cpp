@@ -57,21 +57,22 @@ void boundPoints(RunFigures& figures) {
       series.points = thinExecutionPoints(series.points, perSeries);
 }
 
-bool readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,
-                    RunFigures& figures) {
+LogReadResult readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,
+                             RunFigures& figures) {
   OrderedPointsByKey order;
   options.orderedSeries = [&order](const GraphStatistics& graph, const SeriesRef& ref,
                                    std::span<const uint64_t> ordered, uint64_t skippedValues) {
     order[makeSeriesKey(graph.name, ref)] = {thinExecutionPoints(ordered, maxPointsPerSeries),
                                              ordered.size(), skippedValues};
   };
-  if (!readRunStatistics(path, options, run))
-    return false;
-  figures = RunFigures{path, {}};
+  const LogReadResult read = readRunStatistics(path, options, run);
+  if (!read.stands(options.partial))
+    return read;
+  figures = RunFigures{path, {}, run.partial};
   for (const GraphStatistics& graph : run.graphs)
     figures.graphs.push_back(figureGraph(graph, order));
   boundPoints(figures);
-  return true;
+  return read;
 }
 
 } // namespace kvt::profiling

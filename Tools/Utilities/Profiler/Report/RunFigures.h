@@ -27,6 +27,7 @@ struct GraphFigures {
 struct RunFigures {
   std::string log; // the path as given
   std::vector<GraphFigures> graphs;
+  std::optional<LogReadResult> partial; // as RunStatistics::partial
 };
 
 // Thins every series' points further when the run holds more than maxPointsPerRun: to the same
@@ -35,8 +36,8 @@ struct RunFigures {
 void boundPoints(RunFigures& figures);
 
 // Reads the log at path in one statistics pass (options' sink is replaced) into run, and its
-// figures into figures. False, with the reader's report, when the log cannot be read.
-bool readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,
-                    RunFigures& figures);
+// figures into figures. As readRunStatistics, figures are only made when what was read stands.
+LogReadResult readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,
+                             RunFigures& figures);
 
 } // namespace kvt::profiling

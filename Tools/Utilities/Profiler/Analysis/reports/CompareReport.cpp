@@ -179,12 +179,20 @@ void writeComparisonTable(std::ostream& out, const Comparison& comparison) {
 }
 
 void writeComparisonJson(std::ostream& out, const Comparison& comparison,
-                         const std::string& basePath, const std::string& newPath) {
+                         const std::string& basePath, const std::string& newPath,
+                         const ComparedPartials& partials) {
   const ComparisonOptions& options = comparison.options;
   out << "{\n  \"base\": ";
   writeJsonString(out, basePath);
   out << ",\n  \"new\": ";
   writeJsonString(out, newPath);
+  if (partials.base || partials.next) {
+    out << ",\n  \"partial\": {\"base\": ";
+    writePartialJson(out, partials.base);
+    out << ", \"new\": ";
+    writePartialJson(out, partials.next);
+    out << '}';
+  }
   out << ",\n  \"alpha\": " << formatSignificant(options.alpha)
       << ",\n  \"threshold\": " << formatFinite(options.thresholdPercent)
       << ",\n  \"minChange\": " << formatFinite(options.minChangeUnits)

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "comparison/RunComparison.h"
+#include "log/ParseDriver.h"
 
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -15,9 +17,18 @@ namespace kvt::profiling {
 // q-value, executions needed; then a line of totals. Figures that do not exist print as "-".
 void writeComparisonTable(std::ostream& out, const Comparison& comparison);
 
+// How far each run of a comparison was read, when partially.
+struct ComparedPartials {
+  std::optional<LogReadResult> base;
+  std::optional<LogReadResult> next;
+};
+
 // {"base": PATH, "new": PATH, "alpha", "threshold", "minChange", "relative", "graphs": [...],
-// "rows": [...], "totals": {...}}, one graph or row a line, rows in comparison order.
+// "rows": [...], "totals": {...}}, one graph or row a line, rows in comparison order. When a run
+// was read partially, "partial": {"base": {...} or null, "new": ...} (see writePartialJson)
+// follows "new".
 void writeComparisonJson(std::ostream& out, const Comparison& comparison,
-                         const std::string& basePath, const std::string& newPath);
+                         const std::string& basePath, const std::string& newPath,
+                         const ComparedPartials& partials = {});
 
 } // namespace kvt::profiling

@@ -24,6 +24,17 @@ void writeJsonString(std::ostream& out, std::string_view text) {
   out << '"';
 }
 
+void writePartialJson(std::ostream& out, const std::optional<LogReadResult>& partial) {
+  if (!partial || !partial->fault) {
+    out << "null";
+    return;
+  }
+  out << "{\"chunksRead\": " << partial->chunksRead << ", \"bytesRead\": " << partial->bytesRead
+      << ", \"reason\": ";
+  writeJsonString(out, describeLogFaultWithoutPath(*partial->fault));
+  out << '}';
+}
+
 std::string formatFixed(std::optional<double> value, int decimals) {
   if (!value)
     return "null";

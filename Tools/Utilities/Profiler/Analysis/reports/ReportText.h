@@ -2,6 +2,7 @@
 // tables whose columns line up.
 #pragma once
 
+#include "log/ParseDriver.h"
 #include "statistics/SeriesSummary.h"
 
 #include <optional>
@@ -14,6 +15,10 @@ namespace kvt::profiling {
 
 // text as a JSON string, quoted, with quotes, backslashes and control characters escaped.
 void writeJsonString(std::ostream& out, std::string_view text);
+
+// How far a partial read came, on one line: {"chunksRead": N, "bytesRead": N, "reason": "chunk 2
+// at offset 416 is cut short: ..."}, or null when the read was whole.
+void writePartialJson(std::ostream& out, const std::optional<LogReadResult>& partial);
 
 // A double with three decimals, "2500.333"; "null" when there is none.
 std::string formatFixed(std::optional<double> value, int decimals = 3);

@@ -59,7 +59,12 @@ void writeStatsJson(std::ostream& out, const RunStatistics& run, const std::stri
                     uint64_t skipFirst) {
   out << "{\n  \"log\": ";
   writeJsonString(out, logPath);
-  out << ",\n  \"skipFirst\": " << skipFirst << ",\n  \"graphs\": [";
+  out << ",\n  \"skipFirst\": " << skipFirst;
+  if (run.partial) {
+    out << ",\n  \"partial\": ";
+    writePartialJson(out, run.partial);
+  }
+  out << ",\n  \"graphs\": [";
   for (size_t i = 0; i < run.graphs.size(); ++i) {
     out << (i ? ",\n" : "\n");
     writeGraph(out, run.graphs[i]);

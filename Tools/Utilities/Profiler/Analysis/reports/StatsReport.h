@@ -26,7 +26,8 @@ struct StatsTableOptions {
 // distribution picture of its spans. Figures that do not exist print as "-".
 void writeStatsTable(std::ostream& out, const RunStatistics& run, const StatsTableOptions& options);
 
-// {"log": logPath, "skipFirst": N, "graphs": [...]}, one graph key or series per line.
+// {"log": logPath, "skipFirst": N, "graphs": [...]}, one graph key or series per line; after
+// skipFirst, "partial": {...} (see writePartialJson) when the run was read partially.
 void writeStatsJson(std::ostream& out, const RunStatistics& run, const std::string& logPath,
                     uint64_t skipFirst);
 

@@ -2,6 +2,8 @@
 // executions, and nothing else per execution.
 #pragma once
 
+#include "log/ParseDriver.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -51,6 +53,8 @@ struct GraphStatistics {
 struct RunStatistics {
   std::vector<GraphStatistics> graphs; // in order of first appearance
   std::optional<uint64_t> createdUs;   // the log header's creation time, us since the Unix epoch
+  // Read partially: the whole chunks before the first bad one, and that chunk's fault.
+  std::optional<LogReadResult> partial;
 };
 
 // Calls visit on every series of the graph: its duration and queue wait, each back-end record's

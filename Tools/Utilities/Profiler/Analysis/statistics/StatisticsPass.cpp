@@ -8,25 +8,30 @@
 
 namespace kvt::profiling {
 
-bool readRunStatistics(const std::string& path, const StatisticsOptions& options,
-                       RunStatistics& run) {
+LogReadResult readRunStatistics(const std::string& path, const StatisticsOptions& options,
+                                RunStatistics& run) {
   StatisticsCollector collector(options.skipFirst, options.graph, options.orderedSeries);
   const ExecutionConsumers consumers{
       [&collector](const DispatchedExecution& execution) { collector.add(execution); }};
   EventModel model;
   FlatBufferReaderUtil streamReader;
   std::optional<uint64_t> createdUs;
-  const bool complete = readLogChunks(path, streamReader, [&] {
-    if (!createdUs && streamReader.header())
-      createdUs = streamReader.header()->epoch_timestamp_us();
-    while (const schema::Message* message = streamReader.nextMessage())
-      dispatchMessage(model, consumers, options.visibilityLevel, *message);
-  });
-  if (!complete)
-    return false;
+  LogReadResult result =
+      readLogChunks(path, streamReader,
+                    [&] {
+                      if (!createdUs && streamReader.header())
+                        createdUs = streamReader.header()->epoch_timestamp_us();
+                      while (const schema::Message* message = streamReader.nextMessage())
+                        dispatchMessage(model, consumers, options.visibilityLevel, *message);
+                    },
+                    {.wholeChunksOnly = true});
+  if (!result.stands(options.partial))
+    return result;
   run = std::move(collector).take();
   run.createdUs = createdUs;
-  return true;
+  if (!result.complete())
+    run.partial = result;
+  return result;
 }
 
 } // namespace kvt::profiling

@@ -59,8 +59,8 @@ void ExecutionColumnBuilder::append(const ExecutionRows& rows, const ExecutionKe
     noteOversized(rows, keys);
 }
 
-bool readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
-                          ExecutionColumnBuilder& builder) {
+LogReadResult readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
+                                   ExecutionColumnBuilder& builder) {
   builder.startLog();
   return readExecutionRows(
       path, options,

@@ -73,10 +73,11 @@ private:
 };
 
 // Reads the log at path and appends its rows to builder as a log of their own (see
-// readExecutionRows). False when the file cannot be opened or a chunk is invalid, with the
-// reader's report to the log facility; builder then holds part of the log's rows. Memory: one
-// chunk and 37 bytes per row.
-bool readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
-                          ExecutionColumnBuilder& builder);
+// readExecutionRows). Incomplete when the file is no log or a chunk is bad, with the fault and
+// the reader's report to the log facility; builder then holds the rows of the whole chunks before
+// a bad one, which stand only when the caller allows a partial read. Memory: one chunk and 37
+// bytes per row.
+LogReadResult readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
+                                   ExecutionColumnBuilder& builder);
 
 } // namespace kvt::profiling

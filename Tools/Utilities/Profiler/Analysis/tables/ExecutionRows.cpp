@@ -6,8 +6,8 @@
 
 namespace kvt::profiling {
 
-bool readExecutionRows(const std::string& path, const ExecutionRowOptions& options,
-                       const ExecutionRowSink& sink) {
+LogReadResult readExecutionRows(const std::string& path, const ExecutionRowOptions& options,
+                                const ExecutionRowSink& sink) {
   SeriesWalk walk;
   const ExecutionConsumers consumers{[&](const DispatchedExecution& execution) {
     const WalkedExecution walked = walk.walk(execution, options.skipFirst);
@@ -17,10 +17,12 @@ bool readExecutionRows(const std::string& path, const ExecutionRowOptions& optio
   }};
   EventModel model;
   FlatBufferReaderUtil streamReader;
-  return readLogChunks(path, streamReader, [&] {
-    while (const schema::Message* message = streamReader.nextMessage())
-      dispatchMessage(model, consumers, options.visibilityLevel, *message);
-  });
+  return readLogChunks(path, streamReader,
+                       [&] {
+                         while (const schema::Message* message = streamReader.nextMessage())
+                           dispatchMessage(model, consumers, options.visibilityLevel, *message);
+                       },
+                       {.wholeChunksOnly = true});
 }
 
 } // namespace kvt::profiling

@@ -2,6 +2,7 @@
 // statistics keep, filed by the same walk, handed out as each execution is read.
 #pragma once
 
+#include "log/ParseDriver.h"
 #include "plugin/VisibilityLevel.h"
 #include "statistics/SeriesKey.h"
 #include "statistics/SeriesWalk.h"
@@ -37,11 +38,12 @@ struct ExecutionRowOptions {
 // call.
 using ExecutionRowSink = std::function<void(const ExecutionRows&, const ExecutionKeys&)>;
 
-// Reads the log at path through the reader's parse and dispatch, handing each counted
-// execution's rows to sink as it is read. False when the file cannot be opened or a chunk is
-// invalid, with the reader's own report to the log facility; the rows of the chunks before an
-// invalid one have been handed out. Memory: one chunk, one execution's rows and the keys.
-bool readExecutionRows(const std::string& path, const ExecutionRowOptions& options,
-                       const ExecutionRowSink& sink);
+// Reads the log at path through the reader's parse and dispatch, under the tools' rule that a
+// log is whole chunks, handing each counted execution's rows to sink as it is read. Incomplete
+// when the file is no log or a chunk is bad, with the fault and the reader's own report to the
+// log facility; the rows of the whole chunks before a bad one have been handed out, and none of
+// it. Memory: one chunk, one execution's rows and the keys.
+LogReadResult readExecutionRows(const std::string& path, const ExecutionRowOptions& options,
+                                const ExecutionRowSink& sink);
 
 } // namespace kvt::profiling

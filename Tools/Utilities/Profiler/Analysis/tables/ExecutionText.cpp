@@ -75,18 +75,20 @@ ExecutionTextResult writeExecutionText(const std::string& logPath,
   ExecutionTextWriter writer(format, logPath);
   std::string text;
   writer.appendHeader(text);
-  bool written = true;
-  const bool read = readExecutionRows(logPath, options,
-                                      [&](const ExecutionRows& rows, const ExecutionKeys& keys) {
-                                        writer.appendRows(rows, keys, text);
-                                        if (text.size() >= blockBytes) {
-                                          written = written && write(text);
-                                          text.clear();
-                                        }
-                                      });
-  if (!read)
-    return ExecutionTextResult::unreadable;
-  return written && write(text) ? ExecutionTextResult::written : ExecutionTextResult::unwritable;
+  ExecutionTextResult result;
+  result.read = readExecutionRows(logPath, options,
+                                  [&](const ExecutionRows& rows, const ExecutionKeys& keys) {
+                                    writer.appendRows(rows, keys, text);
+                                    if (text.size() >= blockBytes) {
+                                      result.written = result.written && write(text);
+                                      text.clear();
+                                    }
+                                  });
+  // The rows read before a bad chunk are written too: they are what a cut log still holds. A
+  // path that is no log gives nothing, not even the header.
+  if (result.read.complete() || !isNotALog(*result.read.fault))
+    result.written = result.written && write(text);
+  return result;
 }
 
 } // namespace kvt::profiling

@@ -41,12 +41,16 @@ private:
   std::vector<SeriesText> seriesText; // by series index
 };
 
-enum class ExecutionTextResult { written, unreadable, unwritable };
+struct ExecutionTextResult {
+  LogReadResult read;  // how far the log was read
+  bool written = true; // false once write returned false
+};
 
 // Reads the log at logPath and hands the text of its rows to write as they are read, the CSV
-// header first, in blocks of about 1 MiB. unreadable when the reader refused the log (with its
-// report to the log facility), unwritable once write returned false; what was written by then
-// is not the whole table.
+// header first, in blocks of about 1 MiB. When the read stops at a bad chunk (read incomplete,
+// with the reader's report to the log facility), the rows of every whole chunk before it have
+// still been handed to write; a path that is no log gives no text at all. Once write returned
+// false, nothing more is handed to it.
 ExecutionTextResult writeExecutionText(const std::string& logPath,
                                        const ExecutionRowOptions& options,
                                        ExecutionTextFormat format,

@@ -29,7 +29,10 @@ void addBuildCommand(CLI::App& tool, CommandRun& run) {
     if (!options->chunkFiles && options->inputPaths.size() > 1)
       throw CLI::ValidationError("build takes one dump document; use --chunks for one file per "
                                  "chunk");
-    run.exitCode = buildLog(*options, run.console);
+    if (const std::optional<std::string> failure = buildLog(*options)) {
+      run.console.err << "kvt-profile-log build: " << *failure << '\n';
+      run.exitCode = exitBadInput;
+    }
   });
 }
 

@@ -1,7 +1,9 @@
 // `kvt-profile-log compare BASE NEW` on the command line; the comparison itself is the analysis
 // library's.
 #include "CommandLine.h"
+#include "CommandOutput.h"
 #include "ComparisonFlags.h"
+#include "LogReadReport.h"
 #include "ReaderReports.h"
 #include "StatsCommand.h"
 #include "ToolCommands.h"
@@ -9,6 +11,7 @@
 #include "statistics/StatisticsPass.h"
 
 #include <memory>
+#include <sstream>
 #include <tuple>
 
 namespace kvt::profiling {
@@ -23,27 +26,32 @@ struct CompareCommandOptions {
   ComparisonOptions comparison;
   uint64_t skipFirst = 0;
   std::string format = "table";
+  bool partial = false;
+  std::string outputPath;
 };
 
 int runCompare(const CompareCommandOptions& options, ToolConsole& console) {
   StatisticsOptions pass;
   pass.skipFirst = options.skipFirst;
+  pass.partial = options.partial;
   RunStatistics base;
   RunStatistics next;
   const ReaderReports reports;
-  for (auto [role, path, run] :
-       {std::tuple{"base", &options.basePath, &base}, std::tuple{"new", &options.newPath, &next}}) {
-    if (!readRunStatistics(*path, pass, *run)) {
-      console.err << "kvt-profile-log compare: cannot read the " << role << " log " << *path
-                  << '\n';
+  for (auto [role, path, run] : {std::tuple{"base log", &options.basePath, &base},
+                                 std::tuple{"new log", &options.newPath, &next}}) {
+    if (!reportLogRead(console.err, "kvt-profile-log compare", readRunStatistics(*path, pass, *run),
+                       options.partial, role))
       return exitBadInput;
-    }
   }
   const Comparison comparison = compareRuns(base, next, options.comparison);
+  std::ostringstream text;
   if (options.format == "json")
-    writeComparisonJson(console.out, comparison, options.basePath, options.newPath);
+    writeComparisonJson(text, comparison, options.basePath, options.newPath,
+                        {base.partial, next.partial});
   else
-    writeComparisonTable(console.out, comparison);
+    writeComparisonTable(text, comparison);
+  if (!writeCommandOutput(console, "kvt-profile-log compare", options.outputPath, text.str()))
+    return exitBadInput;
   return comparison.totals.slower ? exitSlower : exitSuccess;
 }
 
@@ -65,7 +73,7 @@ void addCompareCommand(CLI::App& tool, CommandRun& run) {
       std::string(statisticsMemoryNote) +
       " Both runs' values are kept at once.\n"
       "Exit status: 0 no series slower, 3 some slower (at most alpha by chance), 1 unreadable\n"
-      "log, 2 wrong command line.");
+      "log or unwritable output, 2 wrong command line.");
   const auto options = std::make_shared<CompareCommandOptions>();
   command->add_option("BASE", options->basePath, "the log of the base run")
       ->required()
@@ -82,6 +90,10 @@ void addCompareCommand(CLI::App& tool, CommandRun& run) {
   command->add_option("--format", options->format, "table (default) or json")
       ->option_text("table|json")
       ->check(CLI::IsMember({"table", "json"}));
+  addPartialFlag(*command, options->partial);
+  command->add_option("-o", options->outputPath, "the file to write instead of the standard output")
+      ->option_text("FILE")
+      ->check(nonEmpty());
   command->callback([options, &run] { run.exitCode = runCompare(*options, run.console); });
 }
 

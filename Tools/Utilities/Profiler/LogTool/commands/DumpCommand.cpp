@@ -18,7 +18,12 @@ void addDumpCommand(CLI::App& tool, CommandRun& run) {
       "number (from 0) and offset, and the exit status is then 1 after the good chunks.");
   const auto options = std::make_shared<DumpOptions>();
   command->add_option("LOG", options->logPath, "the log to dump")->required()->check(nonEmpty());
-  command->callback([options, &run] { run.exitCode = dumpLog(*options, run.console); });
+  command->callback([options, &run] {
+    for (const std::string& problem : dumpLog(*options, run.console.out)) {
+      run.console.err << "kvt-profile-log dump: " << problem << '\n';
+      run.exitCode = exitBadInput;
+    }
+  });
 }
 
 } // namespace kvt::profiling

@@ -1,9 +1,10 @@
 // `kvt-profile-log executions LOG` on the command line; the rows themselves are the analysis
 // library's.
 #include "CommandLine.h"
+#include "LogReadReport.h"
 #include "ReaderReports.h"
 #include "ToolCommands.h"
-#include "document/ChunkFileWriter.h"
+#include "log/OutputFile.h"
 #include "tables/ExecutionText.h"
 
 #include <memory>
@@ -18,6 +19,7 @@ struct ExecutionsCommandOptions {
   uint64_t skipFirst = 0;
   std::string format = "csv";
   std::string outputPath;
+  bool partial = false;
 };
 
 // The standard output, or a file that takes its name only once it is complete.
@@ -31,19 +33,23 @@ public:
   bool write(std::string_view text) {
     if (!file)
       return bool(out.write(text.data(), std::streamsize(text.size())));
-    return file->writeBytes({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+    return file->write(text);
   }
-  bool close() { return file ? file->close() : bool(out.flush()); }
+  bool close() { return file ? file->commit() : bool(out.flush()); }
+  // The system's reason when the file cannot be written.
+  std::string failure() const { return file ? ": " + file->failure() : ""; }
 
 private:
   std::ostream& out;
-  std::optional<ChunkFileWriter> file;
+  std::optional<OutputFile> file;
 };
 
 int runExecutions(const ExecutionsCommandOptions& options, ToolConsole& console) {
+  constexpr std::string_view command = "kvt-profile-log executions";
+  const std::string target = options.outputPath.empty() ? "the rows" : options.outputPath;
   RowOutput output(options.outputPath, console.out);
   if (!output.isOpen()) {
-    console.err << "kvt-profile-log executions: cannot write " << options.outputPath << '\n';
+    console.err << command << ": cannot write " << target << output.failure() << '\n';
     return exitBadInput;
   }
   const ReaderReports reports;
@@ -51,16 +57,15 @@ int runExecutions(const ExecutionsCommandOptions& options, ToolConsole& console)
       options.logPath, {VisibilityLevel(options.visibility), options.skipFirst},
       options.format == "jsonl" ? ExecutionTextFormat::jsonl : ExecutionTextFormat::csv,
       [&output](std::string_view text) { return output.write(text); });
-  if (result == ExecutionTextResult::unreadable) {
-    console.err << "kvt-profile-log executions: cannot read the log " << options.logPath << '\n';
+  // The rows read before a bad chunk are kept even when the log then fails; a path that is no log
+  // leaves no file.
+  const bool noLog = !result.read.complete() && isNotALog(*result.read.fault);
+  if (!noLog && (!result.written || !output.close())) {
+    console.err << command << ": cannot write " << target << output.failure() << '\n';
     return exitBadInput;
   }
-  if (result == ExecutionTextResult::unwritable || !output.close()) {
-    console.err << "kvt-profile-log executions: cannot write "
-                << (options.outputPath.empty() ? "the rows" : options.outputPath) << '\n';
-    return exitBadInput;
-  }
-  return exitSuccess;
+  return reportLogRead(console.err, command, result.read, options.partial) ? exitSuccess
+                                                                           : exitBadInput;
 }
 
 } // namespace
@@ -74,7 +79,9 @@ void addExecutionsCommand(CLI::App& tool, CommandRun& run) {
       "queueWait, backend, span or wait), parent, name, occurrence and value, in the log's\n"
       "unit. The queue wait is a row in the executions that had exactly one. The log's path\n"
       "is a column, so the files of many logs concatenate into one table. Memory: one chunk of\n"
-      "the log and one execution's rows. With -o, the file appears only once complete.\n"
+      "the log and one execution's rows. With -o, the file appears only once complete. A log\n"
+      "that fails at a bad chunk still gives the rows of the whole chunks before it, then exit 1\n"
+      "(0 with --partial).\n"
       "Exit status: 0 done, 1 unreadable log or unwritable output, 2 wrong command line.");
   const auto options = std::make_shared<ExecutionsCommandOptions>();
   command->add_option("LOG", options->logPath, "the log to read")->required()->check(nonEmpty());
@@ -93,6 +100,7 @@ void addExecutionsCommand(CLI::App& tool, CommandRun& run) {
   command->add_option("-o", options->outputPath, "the file to write instead of the standard output")
       ->option_text("FILE")
       ->check(nonEmpty());
+  addPartialFlag(*command, options->partial);
   command->callback([options, &run] { run.exitCode = runExecutions(*options, run.console); });
 }
 

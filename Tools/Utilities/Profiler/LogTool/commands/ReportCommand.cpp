@@ -2,6 +2,7 @@
 // report library's.
 #include "CommandLine.h"
 #include "ComparisonFlags.h"
+#include "LogReadReport.h"
 #include "ReaderReports.h"
 #include "ReportBuild.h"
 #include "StatsCommand.h"
@@ -21,20 +22,25 @@ struct ReportCommandOptions {
 
 int runReport(const ReportCommandOptions& options, ToolConsole& console) {
   Report report;
-  std::string unreadablePath;
   {
     const ReaderReports reports;
-    if (!readReport(options.report, report, unreadablePath)) {
-      console.err << "kvt-profile-log report: cannot read the log " << unreadablePath << '\n';
-      return exitBadInput;
+    const std::vector<LogReadResult> reads = readReport(options.report, report);
+    const bool partial = options.report.statistics.partial;
+    for (size_t i = 0; i < reads.size(); ++i) {
+      const bool isBase = options.report.basePath && i == 0;
+      if (!reportLogRead(console.err, "kvt-profile-log report", reads[i], partial,
+                         options.report.basePath ? (isBase ? "base log" : "log") : ""))
+        return exitBadInput;
     }
   }
   if (options.dataOnly) {
     writeReportData(console.out, report.input);
     return exitSuccess;
   }
-  if (!writeReportFile(options.outputPath, report)) {
-    console.err << "kvt-profile-log report: cannot write " << options.outputPath << '\n';
+  std::string failure;
+  if (!writeReportFile(options.outputPath, report, failure)) {
+    console.err << "kvt-profile-log report: cannot write " << options.outputPath << ": " << failure
+                << '\n';
     return exitBadInput;
   }
   return exitSuccess;
@@ -54,7 +60,9 @@ void addReportCommand(CLI::App& tool, CommandRun& run) {
       "extremes of equal runs kept). With --base, the comparison of kvt-profile-log compare\n"
       "(its verdicts, each series' change with its interval against the threshold's band,\n"
       "each graph's run-wide shift) and, per series, both runs' histograms overlaid.\n"
-      "The page is written beside OUT and renamed into place.\n" +
+      "The page is written beside OUT and renamed into place. With --partial, a run read\n"
+      "partially says so in the page's data (its \"partial\": chunks and bytes read, and why\n"
+      "the rest was dropped).\n" +
       std::string(statisticsMemoryNote) +
       " With --base, both runs' values are kept at once.\n"
       "Exit status: 0 done, 1 unreadable log or unwritable output, 2 wrong command line.");
@@ -81,6 +89,7 @@ void addReportCommand(CLI::App& tool, CommandRun& run) {
   addComparisonOptions(*command, options->report.comparison);
   command->add_option("--title", options->report.title, "the page's title (default: LOG's name)")
       ->option_text("TEXT");
+  addPartialFlag(*command, options->report.statistics.partial);
   command->callback([options, &run] {
     if (!options->dataOnly && options->outputPath.empty())
       throw CLI::RequiredError("-o");

@@ -3,12 +3,15 @@
 #include "StatsCommand.h"
 
 #include "CommandLine.h"
+#include "CommandOutput.h"
+#include "LogReadReport.h"
 #include "ReaderReports.h"
 #include "ToolCommands.h"
 #include "reports/StatsReport.h"
 #include "statistics/StatisticsPass.h"
 
 #include <memory>
+#include <sstream>
 
 namespace kvt::profiling {
 
@@ -22,6 +25,8 @@ struct StatsCommandOptions {
   std::string sort = "share";
   std::optional<size_t> top;
   std::optional<std::string> graph;
+  bool partial = false;
+  std::string outputPath;
 };
 
 StepOrder readStepOrder(const std::string& sort) {
@@ -33,19 +38,22 @@ int runStats(const StatsCommandOptions& options, ToolConsole& console) {
   pass.visibilityLevel = VisibilityLevel(options.visibility);
   pass.skipFirst = options.skipFirst;
   pass.graph = options.graph;
+  pass.partial = options.partial;
   RunStatistics run;
   const ReaderReports reports;
-  if (!readRunStatistics(options.logPath, pass, run)) {
-    console.err << "kvt-profile-log stats: cannot read the log " << options.logPath << '\n';
+  if (!reportLogRead(console.err, "kvt-profile-log stats",
+                     readRunStatistics(options.logPath, pass, run), options.partial))
     return exitBadInput;
-  }
+  std::ostringstream text;
   if (options.format == "json")
-    writeStatsJson(console.out, run, options.logPath, options.skipFirst);
+    writeStatsJson(text, run, options.logPath, options.skipFirst);
   else if (options.format == "csv")
-    writeStatsCsv(console.out, run);
+    writeStatsCsv(text, run);
   else
-    writeStatsTable(console.out, run, {readStepOrder(options.sort), options.top});
-  return exitSuccess;
+    writeStatsTable(text, run, {readStepOrder(options.sort), options.top});
+  return writeCommandOutput(console, "kvt-profile-log stats", options.outputPath, text.str())
+             ? exitSuccess
+             : exitBadInput;
 }
 
 } // namespace
@@ -62,7 +70,7 @@ void addStatsCommand(CLI::App& tool, CommandRun& run) {
       "spans, cum % the running sum of share down the rows, and the last column the spread of\n"
       "its spans from min to max.\n" +
       std::string(statisticsMemoryNote) +
-      "\nExit status: 0 done, 1 unreadable log, 2 wrong command line.");
+      "\nExit status: 0 done, 1 unreadable log or unwritable output, 2 wrong command line.");
   const auto options = std::make_shared<StatsCommandOptions>();
   command->add_option("LOG", options->logPath, "the log to read")->required()->check(nonEmpty());
   command
@@ -86,6 +94,10 @@ void addStatsCommand(CLI::App& tool, CommandRun& run) {
       ->option_text("K")
       ->check(wholeNumber<size_t>(0, SIZE_MAX));
   command->add_option("--graph", options->graph, "report only the graph NAME")->option_text("NAME");
+  addPartialFlag(*command, options->partial);
+  command->add_option("-o", options->outputPath, "the file to write instead of the standard output")
+      ->option_text("FILE")
+      ->check(nonEmpty());
   command->callback([options, &run] { run.exitCode = runStats(*options, run.console); });
 }
 

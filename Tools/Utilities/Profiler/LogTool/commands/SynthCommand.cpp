@@ -105,7 +105,11 @@ void addSynthCommand(CLI::App& tool, CommandRun& run) {
   command->callback([options, &run] {
     if (const StepScale* scale = findUnmatchedScale(*options))
       throw CLI::ValidationError("--scale", "no step of the run is named '" + scale->name + "'");
-    run.exitCode = synthLog(*options, run.console);
+    if (const std::optional<std::string> failure =
+            synthLog(*options, run.console.err, run.console.errIsTerminal)) {
+      run.console.err << "kvt-profile-log synth: " << *failure << '\n';
+      run.exitCode = exitBadInput;
+    }
   });
 }
 

@@ -2,7 +2,7 @@
 // document, DumpDocumentReader reads the frame and hands over one chunk at a time.
 #include "LogBuild.h"
 
-#include "ChunkFileWriter.h"
+#include "ChunkOutput.h"
 #include "DumpDocumentReader.h"
 #include "LogDump_generated.h"
 #include "LogSchema.h"
@@ -69,16 +69,17 @@ bool readText(const std::string& path, std::string& text, std::string& reason) {
 
 class LogBuilder {
 public:
-  LogBuilder(const BuildOptions& options, ToolConsole& console)
-      : options(options), console(console), output(options.outputPath) {}
+  explicit LogBuilder(const BuildOptions& options) : options(options), output(options.outputPath) {}
 
-  int run() {
+  std::optional<std::string> run() {
     const bool built =
-        (output.isOpen() || problem(options.outputPath, "cannot create it")) &&
+        (output.isOpen() || cannotWrite()) &&
         (canonicalizer.loadSchema() || problem("built-in schema", canonicalizer.error())) &&
         (options.chunkFiles ? buildChunkFiles() : buildDocument()) &&
-        (output.close() || problem(options.outputPath, "cannot write it"));
-    return built ? exitSuccess : exitBadInput;
+        (output.commit() || cannotWrite());
+    if (built)
+      return std::nullopt;
+    return failure;
   }
 
 private:
@@ -126,26 +127,30 @@ private:
   }
 
   bool writeChunk() {
-    return output.writeChunk(canonicalizer.buffer()) ||
-           problem(options.outputPath, "cannot write it");
+    return kvt::profiling::writeChunk(output, canonicalizer.buffer()) || cannotWrite();
   }
 
-  // Reports what went wrong with subject; always false, so that a step can end with it.
+  bool cannotWrite() {
+    failure = "cannot write " + options.outputPath + ": " + output.failure();
+    return false;
+  }
+
+  // Keeps what went wrong with subject; always false, so that a step can end with it.
   bool problem(const std::string& subject, const std::string& text) {
-    console.err << "kvt-profile-log build: " << subject << ": " << text << '\n';
+    failure = subject + ": " + text;
     return false;
   }
 
   const BuildOptions& options;
-  ToolConsole& console;
-  ChunkFileWriter output;
+  OutputFile output;
   ChunkCanonicalizer canonicalizer;
+  std::string failure;
 };
 
 } // namespace
 
-int buildLog(const BuildOptions& options, ToolConsole& console) {
-  return LogBuilder(options, console).run();
+std::optional<std::string> buildLog(const BuildOptions& options) {
+  return LogBuilder(options).run();
 }
 
 } // namespace kvt::profiling

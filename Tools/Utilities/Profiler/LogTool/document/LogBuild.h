@@ -2,8 +2,7 @@
 // file per chunk.
 #pragma once
 
-#include "commands/ToolConsole.h"
-
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,9 +18,10 @@ struct BuildOptions {
 // memory of its largest chunk. Every chunk gets one canonical layout whatever the order of the
 // fields in its JSON: it is parsed, printed in schema order and parsed again, which is the layout
 // a dump prints and `synth` writes. Keys may be bare or quoted, // comments are allowed, and every
-// field the JSON names is stored even when it holds its default. Returns exitBadInput, with the
-// parser's message on console.err and no file left behind, when an input cannot be read or parsed
-// or the output cannot be written.
-int buildLog(const BuildOptions& options, ToolConsole& console);
+// field the JSON names is stored even when it holds its default. Returns what went wrong, one
+// line ("run.json: chunk 2 (line 40): ..." or "cannot write run.log: No space left on device")
+// with no file left behind, when an input cannot be read or parsed or the output cannot be
+// written; nothing when the log was written.
+std::optional<std::string> buildLog(const BuildOptions& options);
 
 } // namespace kvt::profiling

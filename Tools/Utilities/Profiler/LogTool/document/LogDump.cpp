@@ -6,8 +6,6 @@
 #include "log/FlatBufferReaderUtil.h"
 #include "log/LogChunkReader.h"
 
-#include <filesystem>
-
 namespace kvt::profiling {
 
 namespace {
@@ -46,68 +44,51 @@ private:
 
 } // namespace
 
-int dumpLog(const DumpOptions& options, ToolConsole& console) {
+std::vector<std::string> dumpLog(const DumpOptions& options, std::ostream& out) {
   LogChunkReader reader;
-  std::error_code fileError;
-  const uint64_t fileBytes = std::filesystem::file_size(options.logPath, fileError);
-  if (fileError || !reader.open(options.logPath)) {
-    console.err << "kvt-profile-log dump: cannot read " << options.logPath << '\n';
-    return exitBadInput;
-  }
+  if (!reader.open(options.logPath))
+    return {describeLogFault(reader.openFailure())};
   flatbuffers::Parser printer(chunkPrintingOptions());
-  if (!loadLogSchema(printer, SchemaRoot::chunk)) {
-    console.err << "kvt-profile-log dump: built-in schema: " << printer.error_ << '\n';
-    return exitBadInput;
-  }
+  if (!loadLogSchema(printer, SchemaRoot::chunk))
+    return {"built-in schema: " + printer.error_};
 
-  // Starts the report of a bad chunk; the caller ends the line.
-  auto report = [&](uint64_t chunk, uint64_t offset) -> std::ostream& {
-    return console.err << "kvt-profile-log dump: " << options.logPath << ": chunk " << chunk
-                       << " at offset " << offset << ' ';
+  std::vector<std::string> problems;
+  auto report = [&](LogFaultKind kind) {
+    problems.push_back(describeLogFault(recognizeText(reader.describeChunk(kind))));
   };
-  DumpDocument document(console.out);
-  bool allGood = true;
-  uint64_t offset = 0;
+  DumpDocument document(out);
   for (uint64_t chunk = 0;; ++chunk) {
-    const LogChunkReader::Status status = reader.readNextChunk();
-    if (status == LogChunkReader::Status::endOfFile) {
-      if (offset < fileBytes) {
-        report(chunk, offset) << "is cut short: " << fileBytes - offset
-                              << " bytes, too few for a size prefix\n";
-        allGood = false;
-      }
-      break;
-    }
-    if (status != LogChunkReader::Status::chunk) {
-      report(chunk, offset)
-          << (status == LogChunkReader::Status::oversized
-                  ? "has a size prefix beyond the largest buffer a chunk may hold\n"
-                  : "is too large to read into memory\n");
-      allGood = false;
+    switch (reader.readNextChunk(true)) {
+    case LogChunkReader::Status::endOfFile:
+      if (reader.trailingBytes() != 0)
+        report(LogFaultKind::prefixCutShort);
+      else if (chunk == 0)
+        problems.push_back(
+            describeLogFault(makeLogFault(LogFaultKind::emptyFile, options.logPath)));
+      return problems;
+    case LogChunkReader::Status::oversized:
+      report(LogFaultKind::badSizePrefix);
+      return problems;
+    case LogChunkReader::Status::cutShort:
+      report(LogFaultKind::cutShort);
+      return problems;
+    case LogChunkReader::Status::outOfMemory:
+      report(LogFaultKind::outOfMemory);
+      return problems;
+    case LogChunkReader::Status::chunk:
       break;
     }
     const std::span<const uint8_t> bytes = reader.chunk();
-    const uint64_t bytesLeft = fileBytes - std::min<uint64_t>(fileBytes, offset + 4);
-    if (bytes.size() > bytesLeft) {
-      report(chunk, offset) << "is cut short: its size prefix says " << bytes.size()
-                            << " bytes, the file holds " << bytesLeft << " more\n";
-      allGood = false;
-      break;
-    }
     FlatBufferReaderUtil verifier;
     std::string text;
-    if (!verifier.loadBuffer(bytes)) {
-      report(chunk, offset) << "(" << bytes.size() << " bytes) fails verification\n";
-      allGood = false;
-    } else if (!flatbuffers::GenerateText(printer, bytes.data(), &text)) {
-      report(chunk, offset) << "cannot be printed as JSON\n";
-      allGood = false;
-    } else {
-      document.addChunk(offset, bytes.size(), text);
-    }
-    offset += 4 + bytes.size();
+    if (!verifier.loadBuffer(bytes))
+      report(hasPlausibleRoot(bytes) ? LogFaultKind::failedVerification : LogFaultKind::badRoot);
+    else if (!flatbuffers::GenerateText(printer, bytes.data(), &text))
+      problems.push_back(options.logPath + ": chunk " + std::to_string(chunk) + " at offset " +
+                         std::to_string(reader.offset()) + " cannot be printed as JSON");
+    else
+      document.addChunk(reader.offset(), bytes.size(), text);
   }
-  return allGood ? exitSuccess : exitBadInput;
 }
 
 } // namespace kvt::profiling

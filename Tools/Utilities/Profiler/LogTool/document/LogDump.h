@@ -2,9 +2,9 @@
 // into the same file.
 #pragma once
 
-#include "commands/ToolConsole.h"
-
+#include <ostream>
 #include <string>
+#include <vector>
 
 namespace kvt::profiling {
 
@@ -12,11 +12,11 @@ struct DumpOptions {
   std::string logPath;
 };
 
-// Prints {"chunks": [{"offset": ..., "size": ..., "log": {...}}, ...]} on console.out, each
-// chunk verified as the reader verifies it. A chunk that fails verification is reported on
-// console.err by number (from 0) and offset and left out; a chunk that overruns the file ends
-// the dump. The document is complete either way. Returns exitBadInput when any chunk was bad or
-// the file could not be read, else exitSuccess.
-int dumpLog(const DumpOptions& options, ToolConsole& console);
+// Prints {"chunks": [{"offset": ..., "size": ..., "log": {...}}, ...]} on out, each chunk
+// verified as the reader verifies it. A chunk that fails verification is left out; a chunk that
+// overruns the file ends the dump. The document is complete either way. Returns what was wrong,
+// one line each, in file order: a bad chunk by number (from 0) and offset ("run.log: chunk 2 at
+// offset 416 (300 bytes) fails verification"), or why the path is no log; none for a good log.
+std::vector<std::string> dumpLog(const DumpOptions& options, std::ostream& out);
 
 } // namespace kvt::profiling

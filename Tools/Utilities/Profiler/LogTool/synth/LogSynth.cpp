@@ -7,7 +7,7 @@
 #include "SynthFigures.h"
 #include "SynthSteps.h"
 #include "SynthTables.h"
-#include "document/ChunkFileWriter.h"
+#include "document/ChunkOutput.h"
 
 #include <array>
 #include <vector>
@@ -34,7 +34,7 @@ enum Unit : uint32_t { unitUs = 1, unitBytes = 2, unitCount = 4 };
 
 class RunSynthesizer {
 public:
-  RunSynthesizer(const SynthOptions& options, ChunkFileWriter& file, ProgressLine& progress)
+  RunSynthesizer(const SynthOptions& options, OutputFile& file, ProgressLine& progress)
       : options(options), figures(options.seed),
         noise(options.noiseSeed.value_or(options.seed)), stepDraws{figures, noise, options.noise,
                                                                    options.executions,
@@ -340,14 +340,14 @@ private:
     builder.Finish(addProfileLog(builder, header, messages));
     chunkMessages.clear();
     chunkOpen = false;
-    return file.writeChunk({builder.GetBufferPointer(), builder.GetSize()});
+    return writeChunk(file, {builder.GetBufferPointer(), builder.GetSize()});
   }
 
   const SynthOptions& options;
   const FigureSource figures;
   const FigureSource noise;
   const StepDraws stepDraws;
-  ChunkFileWriter& file;
+  OutputFile& file;
   ProgressLine& progress;
   const uint64_t totalMessages;
   std::vector<std::string> graphNames;
@@ -373,19 +373,18 @@ const StepScale* findUnmatchedScale(const SynthOptions& options) {
   return nullptr;
 }
 
-int synthLog(const SynthOptions& options, ToolConsole& console) {
-  ChunkFileWriter file(options.outputPath);
+std::optional<std::string> synthLog(const SynthOptions& options, std::ostream& progressOut,
+                                    bool showProgress) {
+  OutputFile file(options.outputPath);
   bool written = false;
   {
-    // The progress line is wiped before any message follows it.
-    ProgressLine progress(console.err, console.errIsTerminal, "kvt-profile-log synth");
-    written = file.isOpen() && RunSynthesizer(options, file, progress).run() && file.close();
+    // The progress line is wiped before the caller prints any message after it.
+    ProgressLine progress(progressOut, showProgress, "kvt-profile-log synth");
+    written = file.isOpen() && RunSynthesizer(options, file, progress).run() && file.commit();
   }
-  if (!written) {
-    console.err << "kvt-profile-log synth: cannot write " << options.outputPath << '\n';
-    return exitBadInput;
-  }
-  return exitSuccess;
+  if (written)
+    return std::nullopt;
+  return "cannot write " + options.outputPath + ": " + file.failure();
 }
 
 } // namespace kvt::profiling

@@ -5,10 +5,9 @@
 
 #include "SynthNoise.h"
 #include "SynthScales.h"
-#include "commands/ToolConsole.h"
-
 #include <cstdint>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -48,9 +47,10 @@ struct SynthLimits {
 // The first step scale that names no step of the run; null when each names one.
 const StepScale* findUnmatchedScale(const SynthOptions& options);
 
-// Writes the log to options.outputPath, with a progress line on console.err when that is a
-// terminal and the job takes longer than a second. Returns exitBadInput, with no file left
-// behind, when the log cannot be written.
-int synthLog(const SynthOptions& options, ToolConsole& console);
+// Writes the log to options.outputPath, with a progress line on progressOut when showProgress (a
+// terminal) and the job takes longer than a second. Returns why, "cannot write run.log: No space
+// left on device", with no file left behind, when the log cannot be written; nothing when it was.
+std::optional<std::string> synthLog(const SynthOptions& options, std::ostream& progressOut,
+                                    bool showProgress);
 
 } // namespace kvt::profiling

@@ -14,9 +14,10 @@ namespace {
 bool synthesizeAndRead(SynthOptions options, const std::string& path, std::ostream& err,
                        RunStatistics& run) {
   options.outputPath = path;
-  std::ostringstream discarded;
-  ToolConsole console{discarded, err, false};
-  const bool read = synthLog(options, console) == exitSuccess && readRunStatistics(path, {}, run);
+  const std::optional<std::string> failure = synthLog(options, err, false);
+  if (failure)
+    err << *failure << '\n';
+  const bool read = !failure && readRunStatistics(path, {}, run);
   std::error_code ignored;
   std::filesystem::remove(path, ignored);
   return read;

@@ -64,6 +64,13 @@ TEST(LogDump, ReportsBadChunksAndKeepsTheGoodOnes) {
        1,
        "chunk 1 at offset " + second + " (" +
            std::to_string(intact.chunkOffsets[2] - intact.chunkOffsets[1] - 4) +
+           " bytes) has a root offset outside its buffer",
+       {"1000", "3000"}},
+      {"root offset of the second chunk misaligned",
+       [&](auto& bytes) { bytes[intact.chunkOffsets[1] + 4] ^= 0x01; },
+       1,
+       "chunk 1 at offset " + second + " (" +
+           std::to_string(intact.chunkOffsets[2] - intact.chunkOffsets[1] - 4) +
            " bytes) fails verification",
        {"1000", "3000"}},
       {"last chunk cut short",
@@ -82,7 +89,7 @@ TEST(LogDump, ReportsBadChunksAndKeepsTheGoodOnes) {
        [&](auto& bytes) { writeSizePrefix(bytes, intact.chunkOffsets[2], 0xFFFFFFFFu); },
        1,
        "chunk 2 at offset " + third +
-           " has a size prefix beyond the largest buffer a chunk may hold",
+           " has a size prefix of 4294967295 bytes, beyond the largest buffer a chunk may hold",
        {"1000", "2000"}},
       {"two bytes after the last chunk",
        [](auto& bytes) {
@@ -92,7 +99,11 @@ TEST(LogDump, ReportsBadChunksAndKeepsTheGoodOnes) {
        "chunk 3 at offset " + std::to_string(intact.bytes.size()) +
            " is cut short: 2 bytes, too few for a size prefix",
        {"1000", "2000", "3000"}},
-      {"empty file", [](auto& bytes) { bytes.clear(); }, 0, "", {}},
+      {"empty file",
+       [](auto& bytes) { bytes.clear(); },
+       1,
+       "is an empty file (0 bytes), not a log",
+       {}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);

@@ -108,13 +108,16 @@ def agree(value, printed):
 
 
 def golden_json_reports():
-    """(case, expected file, arguments) of every golden `stats` or `compare` with --format json."""
+    """(case, expected file, arguments) of every golden `stats` or `compare` with --format json
+    on the case's logs ({NAME}; logs the case makes as it runs are left to the log tool)."""
     reports = []
     for commands in sorted(golden_dir().glob("*/commands")):
         for line in commands.read_text().splitlines():
             output, _, args = line.partition(":")
             words = args.split()
-            if words[:1] in (["stats"], ["compare"]) and "json" in words and "--graph" not in words:
+            on_case_logs = all(word.startswith("{") for word in words[1:2])
+            if (words[:1] in (["stats"], ["compare"]) and "json" in words
+                    and "--graph" not in words and on_case_logs):
                 reports.append(pytest.param(commands.parent, output, words,
                                             id=f"{commands.parent.name}/{output}"))
     return reports
@@ -159,22 +162,58 @@ def test_frames_agree_with_the_tools_json(case, output, words):
 
 @pytest.fixture
 def refused(tmp_path):
-    """(what, path, the reader's message) of logs the reader refuses."""
+    """(what, path, the precise line, the reader's message) of logs the reader refuses."""
     good = STEP_KEYS.read_bytes()
     cut = tmp_path / "cut.log"
     cut.write_bytes(good[:len(good) // 2])
-    return [("a log cut in its chunk", cut, "Corrupted flatbuffer binary stream"),
-            ("a folder", tmp_path, f"Invalid or nonexistent file: {tmp_path}")]
+    claimed = int.from_bytes(good[:4], "little")
+    return [("a log cut in its chunk", cut,
+             f"{cut}: chunk 0 at offset 0 is cut short: its size prefix says {claimed} bytes, "
+             f"the file holds {len(good) // 2 - 4} more", "Corrupted flatbuffer binary stream"),
+            ("a folder", tmp_path, f"{tmp_path} is a directory, not a log file",
+             f"Invalid or nonexistent file: {tmp_path}")]
 
 
-def test_refused_logs_raise_log_error_with_the_readers_message(refused):
-    for what, path, message in refused:
-        reads = [kvtprofile.executions, kvtprofile.stats, kvtprofile.summary,
-                 lambda log: kvtprofile.compare(STEP_KEYS, log)]
-        for read in reads:
+def test_refused_logs_raise_log_error_saying_where(refused):
+    # The analysis names the file and what is wrong where, then the reader's own message; for
+    # compare, which run. The reader's summary keeps the reader's message alone.
+    for what, path, precise, message in refused:
+        reads = [(kvtprofile.executions, precise), (kvtprofile.stats, precise),
+                 (lambda log: kvtprofile.compare(STEP_KEYS, log), "new log " + precise),
+                 (lambda log: kvtprofile.compare(log, STEP_KEYS), "base log " + precise)]
+        for read, first in reads:
             with pytest.raises(kvtprofile.LogError) as raised:
                 read(path)
-            assert str(raised.value) == message, (what, read)
+            assert str(raised.value) == first + "\n" + message, (what, read)
+        with pytest.raises(kvtprofile.LogError) as raised:
+            kvtprofile.summary(path)
+        assert str(raised.value) == message, what
+
+
+def test_partial_reads_keep_the_whole_chunks_before_the_cut(log_tool, tmp_path):
+    # Three chunks of one graph's executions (1, 2 and 2 of them); the cut falls in the third.
+    documents = golden_dir() / "partial" / "documents"
+    log = tmp_path / "run.log"
+    subprocess.run([log_tool, "build", "--chunks", *(str(documents / f"{name}.json")
+                    for name in ("first", "middle", "last")), "-o", str(log)], check=True)
+    cut = tmp_path / "cut.log"
+    cut.write_bytes(log.read_bytes()[:1000])
+    dropped = {"chunks_read": 2, "bytes_read": 888,
+               "reason": "chunk 2 at offset 888 is cut short: its size prefix says 528 bytes, "
+                         "the file holds 108 more"}
+    with pytest.raises(kvtprofile.LogError, match="^" + str(cut) + ": chunk 2 at offset 888"):
+        kvtprofile.stats(cut)
+    with pytest.warns(RuntimeWarning, match="read 2 whole chunks"):
+        frame = kvtprofile.executions(cut, partial=True)
+    assert frame.attrs["partial"] == dropped
+    assert sorted(frame.execution.unique()) == [0, 1, 2]
+    with pytest.warns(RuntimeWarning):
+        stats = kvtprofile.stats(cut, partial=True)
+    assert stats.attrs["partial"] == dropped and stats.attrs["executions"] == {"model": 3}
+    with pytest.warns(RuntimeWarning):
+        comparison = kvtprofile.compare(log, cut, partial=True)
+    assert comparison.attrs["partial"] == {"base": None, "new": dropped}
+    assert kvtprofile.stats(log, partial=True).attrs["partial"] is None
 
 
 def test_bad_arguments_raise_errors_that_name_them(tmp_path):

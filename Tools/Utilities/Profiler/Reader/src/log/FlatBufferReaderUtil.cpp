@@ -7,14 +7,6 @@ namespace kvt::profiling {
 
 namespace {
 
-// The cheap structural checks that come before verification proper.
-bool hasPlausibleRoot(std::span<const uint8_t> buffer) {
-  if (buffer.size() < ChunkLimits::minBytes || buffer.size() >= ChunkLimits::maxBytes)
-    return false;
-  const uint32_t rootOffset = flatbuffers::ReadScalar<uint32_t>(buffer.data());
-  return rootOffset != 0 && (rootOffset & 0x80000000u) == 0 && rootOffset < buffer.size();
-}
-
 bool verifyProfileLog(std::span<const uint8_t> buffer) {
   flatbuffers::Verifier::Options options;
   options.max_depth = ChunkLimits::maxDepth;
@@ -26,6 +18,13 @@ bool verifyProfileLog(std::span<const uint8_t> buffer) {
 }
 
 } // namespace
+
+bool hasPlausibleRoot(std::span<const uint8_t> buffer) {
+  if (buffer.size() < ChunkLimits::minBytes || buffer.size() >= ChunkLimits::maxBytes)
+    return false;
+  const uint32_t rootOffset = flatbuffers::ReadScalar<uint32_t>(buffer.data());
+  return rootOffset != 0 && (rootOffset & 0x80000000u) == 0 && rootOffset < buffer.size();
+}
 
 bool FlatBufferReaderUtil::loadBuffer(std::span<const uint8_t> buffer) {
   if (!hasPlausibleRoot(buffer) || !verifyProfileLog(buffer)) {

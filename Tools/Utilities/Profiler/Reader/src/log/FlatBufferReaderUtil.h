@@ -18,6 +18,10 @@ struct ChunkLimits {
   static constexpr size_t maxBytes = 2147483647u; // the verifier's largest buffer, exclusive
 };
 
+// The cheap structural checks that come before verification: at least minBytes, below maxBytes,
+// and a root offset that is neither 0 nor has bit 31 set and lies inside the buffer.
+bool hasPlausibleRoot(std::span<const uint8_t> buffer);
+
 class FlatBufferReaderUtil {
 public:
   virtual ~FlatBufferReaderUtil() = default;

@@ -3,8 +3,10 @@
 
 #include "FlatBufferReaderUtil.h"
 
+#include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
+#include <system_error>
 
 #if defined(_WIN32)
 #include <share.h>
@@ -22,19 +24,32 @@ std::FILE* openShared(const std::string& path) {
 #endif
 }
 
-// The size of an open regular file; false for directories and other special files.
-bool regularFileBytes(std::FILE* file, uint64_t& bytes) {
+// What an open file is when it is no regular file ("a directory"); empty for a regular file,
+// whose size is then in bytes.
+std::string findNonRegularType(std::FILE* file, uint64_t& bytes) {
 #if defined(_WIN32)
   struct _stat64 status;
-  if (_fstat64(_fileno(file), &status) != 0 || (status.st_mode & _S_IFREG) == 0)
-    return false;
+  if (_fstat64(_fileno(file), &status) != 0)
+    return "unreadable";
+  if ((status.st_mode & _S_IFDIR) != 0)
+    return "a directory";
+  if ((status.st_mode & _S_IFREG) == 0)
+    return "not a regular file";
 #else
   struct stat status;
-  if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode))
-    return false;
+  if (fstat(fileno(file), &status) != 0)
+    return "unreadable";
+  if (S_ISDIR(status.st_mode))
+    return "a directory";
+  if (S_ISFIFO(status.st_mode))
+    return "a pipe";
+  if (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode))
+    return "a device";
+  if (!S_ISREG(status.st_mode))
+    return "not a regular file";
 #endif
   bytes = uint64_t(status.st_size);
-  return true;
+  return {};
 }
 
 } // namespace
@@ -45,29 +60,55 @@ LogChunkReader::~LogChunkReader() {
 }
 
 bool LogChunkReader::open(const std::string& path) {
+  this->path = path;
+  failure = makeLogFault(LogFaultKind::cannotOpen, path);
   file = openShared(path);
-  if (file && regularFileBytes(file, bytesLeft))
+  if (!file) {
+    failure.systemReason = std::generic_category().message(errno);
+    return false;
+  }
+  failure.pathType = findNonRegularType(file, bytesLeft);
+  if (failure.pathType.empty())
     return true;
-  if (file)
-    std::fclose(file);
+  failure.kind = LogFaultKind::notRegularFile;
+  std::fclose(file);
   file = nullptr;
   return false;
 }
 
-LogChunkReader::Status LogChunkReader::readNextChunk() {
+LogFault LogChunkReader::describeChunk(LogFaultKind kind) const {
+  LogFault fault = makeLogFault(kind, path);
+  fault.chunk = chunkIndex;
+  fault.offset = chunkOffset;
+  fault.claimedBytes = claimedBytes;
+  fault.bytesLeft = bytesAfterPrefix;
+  return fault;
+}
+
+LogChunkReader::Status LogChunkReader::readNextChunk(bool wholeOnly) {
+  chunkIndex += started ? 1 : 0;
+  started = true;
+  chunkOffset = nextOffset;
+  claimedBytes = 0;
   uint8_t prefix[4] = {};
+  const uint64_t bytesBefore = bytesLeft;
   const size_t prefixBytes = std::fread(prefix, 1, sizeof prefix, file);
   bytesLeft -= std::min<uint64_t>(bytesLeft, prefixBytes);
+  bytesAfterPrefix = prefixBytes < sizeof prefix ? bytesBefore : bytesLeft;
   if (prefixBytes < sizeof prefix)
     return Status::endOfFile;
   const uint32_t size = uint32_t(prefix[0]) | uint32_t(prefix[1]) << 8 | uint32_t(prefix[2]) << 16 |
                         uint32_t(prefix[3]) << 24;
+  claimedBytes = size;
+  nextOffset = chunkOffset + sizeof prefix + size;
   if (size >= ChunkLimits::maxBytes)
     return Status::oversized;
 
   // A chunk cut short by the end of the file is zero-padded; only the pages the verifier
   // touches of that padding ever take memory.
   const bool truncated = size > bytesLeft;
+  if (truncated && wholeOnly)
+    return Status::cutShort;
   uint8_t* bytes = truncated ? buffer.reserveZeroed(size) : buffer.reserve(size);
   if (!bytes && size != 0)
     return Status::outOfMemory;

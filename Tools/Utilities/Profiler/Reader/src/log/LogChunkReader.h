@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ChunkBuffer.h"
+#include "LogFault.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -16,6 +17,7 @@ public:
     chunk,      // chunk() holds the next chunk
     endOfFile,  // fewer than 4 bytes were left; trailing bytes are ignored
     oversized,  // the size prefix exceeds what a chunk may hold
+    cutShort,   // only when asked for whole chunks: the file ends before the chunk does
     outOfMemory // no memory for the chunk
   };
 
@@ -25,19 +27,41 @@ public:
   ~LogChunkReader();
 
   // Opens path for reading without denying others access; false when it is missing, unreadable
-  // or not a regular file.
+  // or not a regular file, with openFailure() saying which.
   bool open(const std::string& path);
+  // Why open failed: cannotOpen with the system's reason, or notRegularFile.
+  const LogFault& openFailure() const { return failure; }
 
   // Reads the next chunk. A size prefix beyond the end of the file gives the bytes that are
-  // there followed by zeros, as if the writer had stopped mid-chunk.
-  Status readNextChunk();
+  // there followed by zeros, as if the writer had stopped mid-chunk, unless wholeOnly: then
+  // such a chunk is left unread and the status is cutShort.
+  Status readNextChunk(bool wholeOnly = false);
 
   // The bytes of the latest chunk; valid until the next read.
   std::span<const uint8_t> chunk() const { return buffer.bytes(); }
 
+  // Where the latest chunk's size prefix starts in the file.
+  uint64_t offset() const { return chunkOffset; }
+  // Whether the latest size prefix claims more bytes than the file holds after it.
+  bool chunkCutShort() const { return claimedBytes > bytesAfterPrefix; }
+  // Bytes left after the last whole chunk when readNextChunk found no room for a size prefix.
+  uint64_t trailingBytes() const { return bytesAfterPrefix; }
+
+  // The latest chunk (or the bytes after the last one, at the end of the file) described as a
+  // fault of kind: its index, offset, claimed size and what the file holds after its prefix.
+  LogFault describeChunk(LogFaultKind kind) const;
+
 private:
   std::FILE* file = nullptr;
+  std::string path;
+  LogFault failure;
   uint64_t bytesLeft = 0;
+  uint64_t chunkIndex = 0;       // of the latest chunk, counted from 0
+  uint64_t chunkOffset = 0;      // of its size prefix
+  uint64_t nextOffset = 0;       // of the size prefix after it
+  uint64_t claimedBytes = 0;     // its size prefix
+  uint64_t bytesAfterPrefix = 0; // what the file held after its size prefix
+  bool started = false;
   ChunkBuffer buffer;
 };
 

@@ -54,12 +54,12 @@ bool KvtProfileLogReader::readNextMessage() {
 
 bool KvtProfileLogReader::parseLog(bool extendedBackendReport) {
   const bool complete = readLogChunks(logPath, streamReader, [this] {
-    if (!header.headerSaved)
-      saveHeader();
-    endOfMessages = false;
-    while (!endOfMessages)
-      readNextMessage();
-  });
+                          if (!header.headerSaved)
+                            saveHeader();
+                          endOfMessages = false;
+                          while (!endOfMessages)
+                            readNextMessage();
+                        }).complete();
   if (!complete)
     return false;
 
