@@ -13,10 +13,11 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       "and the CSV reader, loaded from their shared libraries as the viewer loads them, the\n"
       "statistics pass of kvt-profile-log stats and compare, the page of kvt-profile-log report\n"
       "(its size and its time against stats), the CSV export of kvt-profile-log executions and\n"
-      "the frame of kvtprofile.executions in Python; then both readers on one graph with 10x,\n"
-      "100x and 1000x the executions, and the trace reader on one step level of 10,000 distinct\n"
-      "identifiers; and compare's false-alarm rate and power over seeded pairs of synthesised\n"
-      "runs. The figures go to the standard output.\n");
+      "the frame of kvtprofile.executions in Python; the comparison page of two runs of one\n"
+      "graph of 2,000 steps (its size and the time to write it); then both readers on one graph\n"
+      "with 10x, 100x and 1000x the executions, and the trace reader on one step level of\n"
+      "10,000 distinct identifiers; and compare's false-alarm rate and power over seeded pairs\n"
+      "of synthesised runs. The figures go to the standard output.\n");
   // Declared first: options run in declaration order, so the sizes given explicitly win.
   app.add_flag_callback(
       "--quick",
@@ -24,6 +25,7 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
         options.executions = 300;
         options.scalingBase = 1;
         options.wideExecutions = 10;
+        options.pageExecutions = 20;
         options.runs = 1;
         options.csvRuns = 1;
         options.calibration = {10, {50}};
@@ -43,6 +45,11 @@ void addBenchOptions(CLI::App& app, BenchOptions& options) {
       ->check(positive);
   app.add_option("--wide-executions", options.wideExecutions,
                  "executions of the graph of 10,000 steps (default 1000)")
+      ->option_text("E")
+      ->check(positive);
+  app.add_option("--page-executions", options.pageExecutions,
+                 "executions of each run of the comparison page's graph of 2,000 steps\n"
+                 "(default 200)")
       ->option_text("E")
       ->check(positive);
   app.add_option("--runs", options.runs,

@@ -35,6 +35,7 @@ constexpr uint32_t mainMessagesPerChunk = 128;  // chunks of about 4 MiB
 constexpr uint32_t seriesMessagesPerChunk = 16; // chunks of equal size in every log of the series
 constexpr uint32_t wideSteps = 10000;           // distinct identifiers on one level
 constexpr uint32_t wideMessagesPerChunk = 1;    // chunks of about 5 MiB
+constexpr uint32_t pageSteps = 2000;            // the comparison page's graph: 4,002 series a run
 
 // The directory of the logs and outputs; one made here is removed with everything in it.
 class WorkDir {
@@ -84,7 +85,8 @@ public:
       : options(options), tools(tools), dir(options.workDir) {}
 
   bool run() {
-    return runMain() && runScaling() && runCalibration(options.calibration, dir.file(""));
+    return runMain() && runComparisonPage() && runScaling() &&
+           runCalibration(options.calibration, dir.file(""));
   }
 
 private:
@@ -131,6 +133,37 @@ private:
       return false;
     printReportPage(pageSize, *report, *stats);
     printComparisonNote(comparison);
+    return true;
+  }
+
+  // kvt-profile-log report NEW --base BASE on two runs of one graph of pageSteps steps: the page's
+  // size and the time to write it.
+  bool runComparisonPage() {
+    SynthShape shape{1, options.pageExecutions, pageSteps, seriesMessagesPerChunk};
+    const BenchLog base(dir.file("page-base.log"));
+    const BenchLog next(dir.file("page-new.log"));
+    if (!synthesizeLog(tools.logTool, shape, base.path))
+      return false;
+    shape.noiseSeed = 2;
+    if (!synthesizeLog(tools.logTool, shape, next.path))
+      return false;
+    const std::string page = dir.file("comparison.html");
+    std::string pageSize;
+    const std::optional<Measured> written = measureBest(
+        options.runs,
+        [&](std::string& findings) {
+          return writeBenchComparisonPage(base.path, next.path, page, findings);
+        },
+        [&](const std::string& findings) {
+          pageSize = findings;
+          std::error_code ignored;
+          fs::remove(page, ignored);
+        });
+    if (!written)
+      return false;
+    printComparisonPage("2 runs x 1 graph x " + std::to_string(pageSteps) + " steps x " +
+                            std::to_string(shape.executions) + " executions",
+                        pageSize, *written);
     return true;
   }
 

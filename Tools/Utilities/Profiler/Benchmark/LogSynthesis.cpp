@@ -26,6 +26,10 @@ bool synthesizeLog(const std::string& toolPath, const SynthShape& shape, const s
                                    "linting",
                                    "--messages-per-chunk",
                                    std::to_string(shape.messagesPerChunk)};
+  if (shape.noiseSeed != 0) {
+    args.push_back("--noise-seed");
+    args.push_back(std::to_string(shape.noiseSeed));
+  }
   std::vector<char*> argv;
   for (std::string& arg : args)
     argv.push_back(arg.data());

@@ -12,6 +12,7 @@ struct SynthShape {
   uint64_t executions = 1; // per graph
   uint32_t steps = 1;      // per execution
   uint32_t messagesPerChunk = 1;
+  uint64_t noiseSeed = 0; // 0: the variation the default seed gives; else a fresh run of its model
 };
 
 // Runs the log tool at toolPath to write the log to path; false, with the reason on the

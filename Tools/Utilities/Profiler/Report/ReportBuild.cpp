@@ -26,28 +26,28 @@ std::string formatCreated(std::optional<uint64_t> createdUs) {
 } // namespace
 
 std::vector<LogReadResult> readReport(const ReportOptions& options, Report& report) {
-  std::vector<std::string> paths;
-  if (options.basePath)
-    paths.push_back(*options.basePath);
-  paths.push_back(options.logPath);
   Report read;
   read.input.title = options.title.empty()
                          ? std::filesystem::path(options.logPath).filename().string()
                          : options.title;
   read.input.skipFirst = options.statistics.skipFirst;
-  std::vector<RunStatistics> runs;
   std::vector<LogReadResult> reads;
-  for (const std::string& path : paths) {
-    RunFigures figures;
-    reads.push_back(readRunFigures(path, options.statistics, runs.emplace_back(), figures));
+  RunStatistics base; // only its comparison is drawn, so it needs no figures of its own
+  if (options.basePath) {
+    reads.push_back(readRunStatistics(*options.basePath, options.statistics, base));
     if (!reads.back().stands(options.statistics.partial))
       return reads;
-    read.input.runs.push_back(std::move(figures));
-    read.logs.push_back({path, formatCreated(runs.back().createdUs)});
+    read.logs.push_back({*options.basePath, formatCreated(base.createdUs)});
   }
+  RunStatistics next;
+  reads.push_back(readRunFigures(options.logPath, options.statistics, next, read.input.run));
+  if (!reads.back().stands(options.statistics.partial))
+    return reads;
+  read.logs.push_back({options.logPath, formatCreated(next.createdUs)});
   if (options.basePath) {
-    read.input.comparison = figureComparison(runs[0], runs[1], options.comparison);
+    read.input.comparison = figurePageComparison(base, next, options.comparison);
     read.input.comparison->basePath = *options.basePath;
+    read.input.comparison->basePartial = base.partial;
     read.input.comparison->newPath = options.logPath;
   }
   report = std::move(read);

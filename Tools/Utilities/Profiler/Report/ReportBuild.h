@@ -20,7 +20,7 @@ struct ReportOptions {
 
 struct Report {
   ReportInput input;
-  std::vector<PageLog> logs; // as input.runs
+  std::vector<PageLog> logs; // the base first, when there is one
 };
 
 // Reads the base log, when there is one, then the log into report, and compares them. Each log's

@@ -2,31 +2,37 @@
 // version, written so that it can sit inside the page's <script type="application/json">.
 #pragma once
 
-#include "ComparisonFigures.h"
+#include "PageComparison.h"
 #include "RunFigures.h"
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
 
 namespace kvt::profiling {
 
-inline constexpr int reportDataSchema = 1; // raised whenever the data's keys change meaning
+inline constexpr int reportDataSchema = 2;      // raised whenever the data's keys change meaning
+inline constexpr const char* reportUnit = "us"; // the unit the reader shows a log's values in
 
 struct ReportInput {
   std::string title;
   uint64_t skipFirst = 0;
-  std::vector<RunFigures> runs;                // the run reported; with a base, the base first
-  std::optional<ComparisonFigures> comparison; // with a base
+  RunFigures run;                           // the run reported; with a base, the new one
+  std::optional<PageComparison> comparison; // with a base
 };
 
-// {"schema": 1, "title": ..., "skipFirst": N, "runs": [{"log": ..., "graphs": [{..., "series":
-// [...]}]}], "comparison": ..., "overlays": [...]}, one series a line; a run read partially has
-// "partial": {"chunksRead", "bytesRead", "reason"} after its log; a series' points carry
-// "index": null when none was thinned out. The comparison is the JSON of kvt-profile-log compare
-// and overlays holds each of its rows' overlaid histograms; both are null without a base.
-// Every '<' is written as \u003c, so that no text from a log can close the script element the data
+// {"schema": 2, "title": ..., "unit": "us", "skipFirst": N, "run": {"log": ..., "graphs": [{...,
+// "series": [...]}]}, "comparison": ...}, one series a line; a run read partially has "partial":
+// {"chunksRead", "bytesRead", "reason"} after its log, and a base read partially "basePartial"
+// after the comparison's "base"; a series' points carry the "gaps"
+// between the indexes of the values kept (the first from 0), or null when none was thinned out.
+// The comparison, null without a base, is {"base", "new", "alpha", "threshold", "minChange",
+// "relative", "graphs", "totals", "rows"}, one row a line, each with its verdict, both sides'
+// count and p50, "changePercent", "interval", "margin" (percent), "pAdjusted", "needed" ({"base",
+// "new"} or null) and "overlay" (both runs' counts on shared bins, {"scale", "low", "high" or
+// "width", "base", "new"}, or null). No blank follows a colon or a comma outside strings. Every
+// '<' is written as \u003c, so that no text from a log can close the script element the data
 // sits in.
 void writeReportData(std::ostream& out, const ReportInput& input);
 

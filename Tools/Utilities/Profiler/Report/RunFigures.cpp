@@ -24,7 +24,9 @@ GraphFigures figureGraph(const GraphStatistics& graph, OrderedPointsByKey& order
   const std::vector<std::optional<double>> shares = computeStepShares(graph);
   size_t step = 0;
   for (const SeriesRef& ref : listSeries(graph)) {
-    SeriesFigures series = figureSeries(ref);
+    if (ref.kind == SeriesKind::backend)
+      continue; // the page draws no back-end record, so their figures would be dead weight
+    PageSeries series = figurePageSeries(ref);
     if (ref.kind == SeriesKind::span) {
       series.share = shares[step++];
       figures.stepMeanSum += series.summary.mean;
@@ -45,7 +47,7 @@ void boundPoints(RunFigures& figures) {
   size_t seriesCount = 0;
   size_t pointCount = 0;
   for (const GraphFigures& graph : figures.graphs)
-    for (const SeriesFigures& series : graph.series) {
+    for (const PageSeries& series : graph.series) {
       ++seriesCount;
       pointCount += series.points.index.size();
     }
@@ -53,7 +55,7 @@ void boundPoints(RunFigures& figures) {
     return;
   const size_t perSeries = std::max(minPointsPerSeries, maxPointsPerRun / seriesCount / 2 * 2);
   for (GraphFigures& graph : figures.graphs)
-    for (SeriesFigures& series : graph.series)
+    for (PageSeries& series : graph.series)
       series.points = thinExecutionPoints(series.points, perSeries);
 }
 

@@ -2,7 +2,7 @@
 // and thinned execution points.
 #pragma once
 
-#include "SeriesFigures.h"
+#include "PageSeries.h"
 #include "statistics/RunStatistics.h"
 #include "statistics/StatisticsPass.h"
 
@@ -20,8 +20,8 @@ struct GraphFigures {
   std::string name;
   uint64_t executions = 0; // counted and skipped
   uint64_t skipped = 0;
-  double stepMeanSum = 0;            // the sum of the steps' mean spans
-  std::vector<SeriesFigures> series; // in the order of listSeries
+  double stepMeanSum = 0;         // the sum of the steps' mean spans
+  std::vector<PageSeries> series; // in the order of listSeries, back-end records left out
 };
 
 struct RunFigures {

@@ -130,12 +130,6 @@ private:
   Comparison& comparison;
 };
 
-// The change below which a series counts as unchanged, in log units.
-double marginUnits(const ComparisonRow& row, const ComparisonOptions& options) {
-  return std::max(options.thresholdPercent / 100 * double(row.base.p50.value_or(0)),
-                  options.minChangeUnits);
-}
-
 // Executions per run that would make the interval as narrow as the margin's band, for
 // differences as spread as now; always more than either run has, since these did not tell, and
 // at least the fewest that give an interval at all.
@@ -218,6 +212,11 @@ std::string_view verdictName(Verdict verdict) {
     return "removed";
   }
   return {};
+}
+
+double marginUnits(const ComparisonRow& row, const ComparisonOptions& options) {
+  return std::max(options.thresholdPercent / 100 * double(row.base.p50.value_or(0)),
+                  options.minChangeUnits);
 }
 
 Comparison compareRuns(const RunStatistics& base, const RunStatistics& next,

@@ -76,6 +76,10 @@ struct Comparison {
   ComparisonTotals totals;
 };
 
+// The change below which a row counts as unchanged, in log units: the threshold's share of its
+// base median or minChangeUnits, whichever is larger.
+double marginUnits(const ComparisonRow& row, const ComparisonOptions& options);
+
 // slower: the Holm-adjusted p-value is below alpha and the shift exceeds the margin (the
 // threshold's share of the base median, and minChangeUnits); faster likewise the other way.
 // same: the (1 - 2 alpha) interval of the shift lies within plus or minus the margin. unsure:

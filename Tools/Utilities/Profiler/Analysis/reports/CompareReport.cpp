@@ -11,25 +11,6 @@ namespace kvt::profiling {
 
 namespace {
 
-// A figure to four significant digits, "0.0123" or "1.234e-09", which tiny p-values need.
-std::string formatSignificant(std::optional<double> value) {
-  if (!value || !std::isfinite(*value))
-    return "null";
-  char text[64];
-  const auto result =
-      std::to_chars(text, text + sizeof text, *value, std::chars_format::general, 4);
-  return std::string(text, result.ptr);
-}
-
-// A finite figure with three decimals, else null: JSON has no NaN. A figure that rounds to zero
-// is "0.000", never "-0.000".
-std::string formatFinite(std::optional<double> value, int decimals = 3) {
-  std::string text = formatFixed(value && std::isfinite(*value) ? value : std::nullopt, decimals);
-  if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos)
-    text.erase(0, 1);
-  return text;
-}
-
 // The table's grouping: slower, faster, unsure, then the others.
 int tableGroup(Verdict verdict) {
   switch (verdict) {
@@ -86,7 +67,9 @@ void writeGraphLine(std::ostream& out, const GraphShift& graph, const Comparison
   out << '\n';
 }
 
-void writeSide(std::ostream& out, const ComparedSide& side) {
+} // namespace
+
+void writeComparedSideJson(std::ostream& out, const ComparedSide& side) {
   out << "{\"count\": " << side.count << ", \"p50\": " << formatOptional(side.p50) << '}';
 }
 
@@ -112,6 +95,8 @@ void writeGraphJson(std::ostream& out, const GraphShift& graph) {
   out << ", \"ratio\": " << formatFinite(graph.ratio, 6) << "}}";
 }
 
+namespace {
+
 void writeRowJson(std::ostream& out, const ComparisonRow& row) {
   out << "{\"graph\": ";
   writeJsonString(out, row.graph);
@@ -123,9 +108,9 @@ void writeRowJson(std::ostream& out, const ComparisonRow& row) {
   else
     out << "null";
   out << ", \"occurrence\": " << formatOptional(row.occurrence) << ", \"base\": ";
-  writeSide(out, row.base);
+  writeComparedSideJson(out, row.base);
   out << ", \"new\": ";
-  writeSide(out, row.next);
+  writeComparedSideJson(out, row.next);
   out << ", \"shift\": " << formatFinite(row.shift ? std::optional(row.shift->units) : std::nullopt)
       << ", \"changePercent\": "
       << formatFinite(row.change ? std::optional(row.change->percent) : std::nullopt)
@@ -137,14 +122,14 @@ void writeRowJson(std::ostream& out, const ComparisonRow& row) {
       << verdictName(row.verdict) << "\", \"needed\": " << formatOptional(row.needed) << '}';
 }
 
+} // namespace
+
 void writeTotalsJson(std::ostream& out, const ComparisonTotals& totals) {
   out << "{\"slower\": " << totals.slower << ", \"faster\": " << totals.faster
       << ", \"same\": " << totals.same << ", \"unsure\": " << totals.unsure
       << ", \"added\": " << totals.added << ", \"removed\": " << totals.removed
       << ", \"tested\": " << totals.tested << '}';
 }
-
-} // namespace
 
 void writeComparisonTable(std::ostream& out, const Comparison& comparison) {
   for (const GraphShift& graph : comparison.graphs)

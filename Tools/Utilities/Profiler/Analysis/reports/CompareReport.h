@@ -31,4 +31,11 @@ void writeComparisonJson(std::ostream& out, const Comparison& comparison,
                          const std::string& basePath, const std::string& newPath,
                          const ComparedPartials& partials = {});
 
+// The pieces of that document, for other JSON that carries a comparison: a side's {"count",
+// "p50"}; an interval's [low, high] or null; a graph's {"name", "runShift"}; the totals.
+void writeComparedSideJson(std::ostream& out, const ComparedSide& side);
+void writeIntervalJson(std::ostream& out, const std::optional<Interval>& interval);
+void writeGraphJson(std::ostream& out, const GraphShift& graph);
+void writeTotalsJson(std::ostream& out, const ComparisonTotals& totals);
+
 } // namespace kvt::profiling

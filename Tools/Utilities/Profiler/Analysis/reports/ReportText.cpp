@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 
 namespace kvt::profiling {
@@ -42,6 +43,23 @@ std::string formatFixed(std::optional<double> value, int decimals) {
   const auto result =
       std::to_chars(text, text + sizeof text, *value, std::chars_format::fixed, decimals);
   return std::string(text, result.ptr);
+}
+
+std::string formatSignificant(std::optional<double> value) {
+  if (!value || !std::isfinite(*value))
+    return "null";
+  char text[64];
+  const auto result =
+      std::to_chars(text, text + sizeof text, *value, std::chars_format::general, 4);
+  return std::string(text, result.ptr);
+}
+
+// "-0.000" would read as a change downwards.
+std::string formatFinite(std::optional<double> value, int decimals) {
+  std::string text = formatFixed(value && std::isfinite(*value) ? value : std::nullopt, decimals);
+  if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos)
+    text.erase(0, 1);
+  return text;
 }
 
 std::string formatOptional(std::optional<uint64_t> value) {

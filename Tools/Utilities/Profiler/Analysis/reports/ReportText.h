@@ -23,6 +23,14 @@ void writePartialJson(std::ostream& out, const std::optional<LogReadResult>& par
 // A double with three decimals, "2500.333"; "null" when there is none.
 std::string formatFixed(std::optional<double> value, int decimals = 3);
 
+// A figure to four significant digits, "0.0123" or "1.234e-09" (tiny p-values need them); "null"
+// when there is none or it is not finite.
+std::string formatSignificant(std::optional<double> value);
+
+// A finite figure with decimals decimals, else "null": JSON has no NaN. A figure that rounds to
+// zero is "0.000", never "-0.000".
+std::string formatFinite(std::optional<double> value, int decimals = 3);
+
 // A number or "null".
 std::string formatOptional(std::optional<uint64_t> value);
 

@@ -1,6 +1,6 @@
 // Bins on a logarithmic axis, so that a long tail does not squeeze the body of a distribution into
 // one bar; a narrow range of whole numbers gets whole-number bins instead.
-#include "SeriesFigures.h"
+#include "PageSeries.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,9 +27,9 @@ Histogram binValues(std::span<const uint64_t> sorted, uint64_t low, uint64_t hig
   return histogram;
 }
 
-SeriesFigures figureSeries(const SeriesRef& ref) {
+PageSeries figurePageSeries(const SeriesRef& ref) {
   const std::vector<uint64_t>& sorted = ref.series->values;
-  SeriesFigures figures;
+  PageSeries figures;
   figures.kind = ref.kind;
   figures.name = std::string(ref.name);
   if (ref.parent)

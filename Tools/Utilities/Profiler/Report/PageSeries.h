@@ -34,7 +34,7 @@ struct Histogram {
 // summary).
 using BoxFigures = std::array<uint64_t, 5>;
 
-struct SeriesFigures {
+struct PageSeries {
   SeriesKind kind = SeriesKind::duration;
   std::string name;
   std::optional<std::string> parent;
@@ -53,6 +53,6 @@ struct SeriesFigures {
 Histogram binValues(std::span<const uint64_t> sorted, uint64_t low, uint64_t high);
 
 // The summary, box and histogram of a series whose values are sorted; its key from ref.
-SeriesFigures figureSeries(const SeriesRef& ref);
+PageSeries figurePageSeries(const SeriesRef& ref);
 
 } // namespace kvt::profiling

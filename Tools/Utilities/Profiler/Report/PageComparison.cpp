@@ -1,5 +1,6 @@
-// Shared bins make the two histograms of a row comparable bar by bar; they span both runs.
-#include "ComparisonFigures.h"
+// Shared bins make the two histograms of a row comparable bar by bar; they span both runs. The
+// margin is the comparison's own, in percent, so that the page draws the band each verdict used.
+#include "PageComparison.h"
 
 #include "RunFigures.h"
 #include "statistics/SeriesList.h"
@@ -36,15 +37,22 @@ std::optional<OverlaidHistograms> overlay(const Series* base, const Series* next
 
 } // namespace
 
-ComparisonFigures figureComparison(const RunStatistics& base, const RunStatistics& next,
-                                   const ComparisonOptions& options) {
-  ComparisonFigures figures;
-  figures.comparison = compareRuns(base, next, options);
+PageComparison figurePageComparison(const RunStatistics& base, const RunStatistics& next,
+                                    const ComparisonOptions& options) {
+  Comparison comparison = compareRuns(base, next, options);
+  PageComparison page{{}, {}, options, std::move(comparison.graphs), {}, comparison.totals, {}};
   const SeriesIndex baseIndex = indexSeries(base);
   const SeriesIndex nextIndex = indexSeries(next);
-  for (const ComparisonRow& row : figures.comparison.rows)
-    figures.overlays.push_back(overlay(findSeries(baseIndex, row), findSeries(nextIndex, row)));
-  return figures;
+  for (ComparisonRow& row : comparison.rows) {
+    PageComparisonRow& shown = page.rows.emplace_back();
+    shown.overlay = overlay(findSeries(baseIndex, row), findSeries(nextIndex, row));
+    if (row.base.p50 && *row.base.p50 > 0)
+      shown.marginPercent = marginUnits(row, options) / double(*row.base.p50) * 100;
+    if (row.needed)
+      shown.needed = PageNeeded{*row.needed, *row.needed};
+    shown.row = std::move(row);
+  }
+  return page;
 }
 
 } // namespace kvt::profiling
