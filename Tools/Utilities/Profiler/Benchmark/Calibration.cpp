@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 
 namespace kvt::profiling {
 
@@ -18,6 +19,9 @@ constexpr uint32_t calibrationGraphs = 2;
 constexpr uint32_t calibrationSteps = 32; // with sub-events: about 130 series a comparison
 constexpr double calibrationAlpha = 0.01;
 constexpr double calibrationThresholdPercent = 5;
+constexpr uint32_t dominantSteps = 6; // the step with the largest share is about a quarter
+constexpr uint64_t dominantExecutions = 200;
+constexpr double dominantScale = 1.30;
 
 struct Tally {
   uint32_t hits = 0;
@@ -72,6 +76,81 @@ bool tallyPairs(const SynthOptions& model, double stepScale, uint32_t pairs, con
   return true;
 }
 
+// The step of graph_0 whose spans have the largest base median, from a pair with no change.
+std::optional<std::string> findDominantStep(const SynthOptions& model, const std::string& dir) {
+  const std::optional<Comparison> comparison = compareSynthesizedRuns(
+      calibrationRun(model, 0, false), calibrationRun(model, 0, true),
+      {calibrationAlpha, calibrationThresholdPercent, 0, false}, dir, std::cerr);
+  if (!comparison)
+    return std::nullopt;
+  const ComparisonRow* dominant = nullptr;
+  for (const ComparisonRow& row : comparison->rows)
+    if (row.graph == "graph_0" && row.kind == SeriesKind::span &&
+        (!dominant || row.base.p50 > dominant->base.p50))
+      dominant = &row;
+  return dominant ? std::optional(dominant->name) : std::nullopt;
+}
+
+// Pairs whose new run has the dominant step 30 % slower, judged relative: hits are pairs where
+// that step is slower, changed those where another step's span or wait is slower or faster.
+bool tallyDominantPairs(const SynthOptions& model, const std::string& step, uint32_t pairs,
+                        const std::string& dir, Tally& hits, Tally& changed) {
+  for (uint32_t pair = 0; pair < pairs; ++pair) {
+    SynthOptions next = calibrationRun(model, pair, true);
+    next.stepScales = {{step, dominantScale}};
+    const std::optional<Comparison> comparison = compareSynthesizedRuns(
+        calibrationRun(model, pair, false), next,
+        {calibrationAlpha, calibrationThresholdPercent, 0, true}, dir, std::cerr);
+    if (!comparison)
+      return false;
+    bool hit = false;
+    bool otherChanged = false;
+    for (const ComparisonRow& row : comparison->rows) {
+      if (row.kind != SeriesKind::span && row.kind != SeriesKind::wait)
+        continue;
+      const bool moved = row.verdict == Verdict::slower || row.verdict == Verdict::faster;
+      if (row.kind == SeriesKind::span && row.name == step)
+        hit = row.verdict == Verdict::slower;
+      else
+        otherChanged = otherChanged || moved;
+    }
+    hits.hits += hit ? 1 : 0;
+    changed.hits += otherChanged ? 1 : 0;
+    ++hits.pairs;
+    ++changed.pairs;
+  }
+  return true;
+}
+
+bool runDominantStepRows(uint32_t pairs, const std::string& dir) {
+  std::printf("\none step of %u, the one with the largest share (about a quarter of the run), "
+              "%.0f %% slower,\njudged with --relative; step slower: pairs where it is slower; "
+              "others changed: pairs where\nanother step's span or wait is slower or faster\n",
+              dominantSteps, (dominantScale - 1) * 100);
+  std::printf("%-12s %10s %16s %22s %9s\n", "noise", "executions", "step slower", "others changed",
+              "seconds");
+  for (const SynthNoise noise : {SynthNoise::mild, SynthNoise::heavy}) {
+    SynthOptions model;
+    model.graphs = 1;
+    model.steps = dominantSteps;
+    model.executions = dominantExecutions;
+    model.noise = noise;
+    const auto start = std::chrono::steady_clock::now();
+    const std::optional<std::string> step = findDominantStep(model, dir);
+    Tally hits;
+    Tally changed;
+    if (!step || !tallyDominantPairs(model, *step, pairs, dir, hits, changed))
+      return false;
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::printf("%-12s %10llu %16s %22s %9.1f\n", noise == SynthNoise::mild ? "mild" : "heavy",
+                static_cast<unsigned long long>(dominantExecutions),
+                formatRate(hits, false).c_str(), formatRate(changed, true).c_str(), seconds);
+    std::fflush(stdout);
+  }
+  return true;
+}
+
 } // namespace
 
 bool runCalibration(const CalibrationOptions& options, const std::string& dir) {
@@ -108,7 +187,7 @@ bool runCalibration(const CalibrationOptions& options, const std::string& dir) {
       std::fflush(stdout);
     }
   }
-  return true;
+  return runDominantStepRows(options.pairs, dir);
 }
 
 } // namespace kvt::profiling

@@ -1,5 +1,6 @@
 // compare's false-alarm rate and power, measured over seeded pairs of synthesised runs: pairs of
-// one model with fresh noise and no change, and pairs whose new run has one step slower.
+// one model with fresh noise and no change, pairs whose new run has one step slower, and pairs
+// whose new run has its largest step 30 % slower, judged relative to the run.
 #pragma once
 
 #include <cstdint>

@@ -229,7 +229,15 @@ py::object makeComparisonFrame(const Comparison& comparison) {
        {"verdict", makeCategorical(numberColumn<int8_t>(
                                        rows, [](const Row& row) { return int8_t(row.verdict); }),
                                    verdicts, true)},
-       {"needed", optionalIntegerColumn(rows, [](const Row& row) { return row.needed; })}});
+       {"needed_base", optionalIntegerColumn(rows,
+                                             [](const Row& row) {
+                                               return row.needed ? std::optional(row.needed->base -
+                                                                                 row.base.count)
+                                                                 : std::nullopt;
+                                             })},
+       {"needed_new", optionalIntegerColumn(rows, [](const Row& row) {
+          return row.needed ? std::optional(row.needed->next - row.next.count) : std::nullopt;
+        })}});
 }
 
 py::list describeGraphShifts(const Comparison& comparison) {
@@ -248,6 +256,7 @@ py::list describeGraphShifts(const Comparison& comparison) {
     shift["interval_low"] = orNone(interval ? std::optional(interval->low) : std::nullopt);
     shift["interval_high"] = orNone(interval ? std::optional(interval->high) : std::nullopt);
     shift["ratio"] = graph.ratio;
+    shift["step_series"] = graph.stepSeries;
     graphs.append(shift);
   }
   return graphs;

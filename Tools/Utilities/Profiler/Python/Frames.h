@@ -34,13 +34,15 @@ py::object makeExecutionsFrame(ExecutionColumns& columns, const FrameLogs& logs)
 py::object makeStatsFrame(const std::vector<RunStatistics>& runs, const FrameLogs& logs);
 
 // graph, series, name, parent, occurrence, base_count, base_p50, new_count, new_p50, shift,
-// change_percent, interval_low, interval_high, p_value, p_adjusted, q_value, verdict, needed: the
+// change_percent, interval_low, interval_high, p_value, p_adjusted, q_value, verdict, needed_base,
+// needed_new: the
 // rows of `compare --format json`, its base and new sides and its interval as flat columns.
 // Raises OverflowError when a median exceeds 2^63 - 1.
 py::object makeComparisonFrame(const Comparison& comparison);
 
 // The graphs' run-wide shifts as `compare --format json` lists them, each a dict of name, shift,
-// change_percent, interval_low, interval_high and ratio (None where JSON has null), and the
+// change_percent, interval_low, interval_high, ratio and step_series (None where JSON has null),
+// and the
 // totals as a dict of slower, faster, same, unsure, added, removed and tested.
 py::list describeGraphShifts(const Comparison& comparison);
 py::dict describeTotals(const ComparisonTotals& totals);

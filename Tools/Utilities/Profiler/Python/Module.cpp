@@ -326,11 +326,13 @@ Columns, those of `compare --format json` with its nested values flat and in sna
   p_value, p_adjusted (Holm), q_value (Benjamini-Hochberg)
   verdict         ordered category of all six verdicts: slower < faster < same < unsure <
                   added < removed
-  needed          unsure rows: the executions per run that would tell (Int64)
+  needed_base, needed_new  unsure rows: the executions each run needs beyond those it has
+                           before the row would decide (Int64)
 Missing where JSON has null.
 
 attrs: base, new, unit, alpha, threshold, min_change, relative, skip_first, graphs (each
-graph's run-wide shift: name, shift, change_percent, interval_low, interval_high, ratio),
+graph's run-wide shift: name, shift, change_percent, interval_low, interval_high, ratio,
+step_series),
 totals (slower, faster, same, unsure, added, removed, tested) and partial ({"base": ...,
 "new": ...}, each as in executions()).
 

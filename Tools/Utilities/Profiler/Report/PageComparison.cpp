@@ -49,7 +49,7 @@ PageComparison figurePageComparison(const RunStatistics& base, const RunStatisti
     if (row.base.p50 && *row.base.p50 > 0)
       shown.marginPercent = marginUnits(row, options) / double(*row.base.p50) * 100;
     if (row.needed)
-      shown.needed = PageNeeded{*row.needed, *row.needed};
+      shown.needed = PageNeeded{row.needed->base, row.needed->next};
     shown.row = std::move(row);
   }
   return page;

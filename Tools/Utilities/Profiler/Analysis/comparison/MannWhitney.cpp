@@ -1,19 +1,67 @@
-// The rank test by one merge of the two sorted samples: each run of equal values gets the mean
-// of its ranks, and its size feeds the tie correction of the variance.
+// The rank statistic by one merge of the two sorted samples: each run of equal values gets the
+// mean of its ranks, and its size feeds the tie correction of the variance. The exact
+// distribution counts the orderings of n and m untied values by their U: the coefficients of
+// the Gaussian binomial [n + m choose m], built one factor (1 - q^(n + i)) / (1 - q^i) at a time
+// in whole numbers, so that the subtractions lose nothing; U is symmetric, so half of them do.
 #include "MannWhitney.h"
+
+#include "NormalQuantile.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace kvt::profiling {
 
-double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB) {
-  const double nA = double(sortedA.size());
-  const double nB = double(sortedB.size());
-  if (sortedA.empty() || sortedB.empty())
-    return 1;
+namespace {
+
+__extension__ using Wide = __int128;
+
+// P(U <= u) for u from 0 to n x m / 2, for samples of sizeA and sizeB untied values.
+std::vector<double> exactLowerTail(uint64_t sizeA, uint64_t sizeB) {
+  const uint64_t small = std::min(sizeA, sizeB);
+  const uint64_t large = std::max(sizeA, sizeB);
+  const uint64_t half = sizeA * sizeB / 2;
+  std::vector<Wide> count(half + 1);
+  count[0] = 1;
+  for (uint64_t i = 1; i <= small; ++i) { // count becomes that of [large + i choose i]
+    for (uint64_t u = half + 1; u-- > large + i;)
+      count[u] -= count[u - (large + i)];
+    for (uint64_t u = i; u <= half; ++u)
+      count[u] += count[u - i];
+  }
+  Wide total = 0;
+  for (const Wide c : count)
+    total += 2 * c;
+  if ((sizeA * sizeB) % 2 == 0)
+    total -= count[half]; // the middle value is its own mirror
+  std::vector<double> tail(half + 1);
+  Wide running = 0;
+  for (uint64_t u = 0; u <= half; ++u) {
+    running += count[u];
+    tail[u] = double(running) / double(total);
+  }
+  return tail;
+}
+
+// The rank of Moses' lower bound by the normal approximation: U at or below k - 1 gives a
+// p-value below 1 - confidence, the continuity correction included.
+uint64_t normalLowerBoundRank(double pairs, double variance, double confidence) {
+  const double z = normalQuantile(1 - (1 - confidence) / 2);
+  const double rank = std::ceil(pairs / 2 - 0.5 - z * std::sqrt(std::max(0.0, variance)));
+  return rank >= 1 ? uint64_t(rank) : 0;
+}
+
+double untiedVariance(double sizeA, double sizeB) {
+  return sizeA * sizeB * (sizeA + sizeB + 1) / 12;
+}
+
+} // namespace
+
+RankStatistic rankStatistic(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB) {
+  RankStatistic statistic;
+  statistic.sizeA = sortedA.size();
+  statistic.sizeB = sortedB.size();
   double rankSumA = 0;
-  double tieTerm = 0; // sum of t^3 - t over the runs of t equal values
   size_t a = 0;
   size_t b = 0;
   double nextRank = 1;
@@ -29,17 +77,65 @@ double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint
       ++inB;
     const double tied = double(inA + inB);
     rankSumA += double(inA) * (nextRank + (tied - 1) / 2);
-    tieTerm += tied * tied * tied - tied;
+    statistic.tieTerm += tied * tied * tied - tied;
     nextRank += tied;
   }
+  const double nA = double(sortedA.size());
+  statistic.u = rankSumA - nA * (nA + 1) / 2;
+  return statistic;
+}
+
+RankSumNull::RankSumNull(const RankStatistic& statistic) {
+  const double nA = double(statistic.sizeA);
+  const double nB = double(statistic.sizeB);
+  pairs = nA * nB;
+  if (pairs == 0)
+    return;
   const double n = nA + nB;
-  const double u = rankSumA - nA * (nA + 1) / 2;
-  const double mean = nA * nB / 2;
-  const double variance = nA * nB / 12 * ((n + 1) - tieTerm / (n * (n - 1)));
+  variance = pairs / 12 * ((n + 1) - statistic.tieTerm / (n * (n - 1)));
+  if (isExactFor(statistic))
+    lowerTail = exactLowerTail(statistic.sizeA, statistic.sizeB);
+}
+
+bool RankSumNull::isExactFor(const RankStatistic& statistic) {
+  return statistic.tieTerm == 0 && statistic.sizeA > 0 && statistic.sizeB > 0 &&
+         statistic.sizeA * statistic.sizeB <= maxExactPairs;
+}
+
+bool RankSumNull::hasInterval(uint64_t sizeA, uint64_t sizeB, double confidence) {
+  if (sizeA == 0 || sizeB == 0)
+    return false;
+  if (sizeA * sizeB > maxExactPairs)
+    return normalLowerBoundRank(double(sizeA) * double(sizeB),
+                                untiedVariance(double(sizeA), double(sizeB)), confidence) > 0;
+  // Exactly: U = 0, one ordering of C(n + m, n), must be rarer than the tail.
+  double orderings = 1;
+  for (uint64_t i = 1; i <= sizeB; ++i)
+    orderings = orderings * double(sizeA + i) / double(i);
+  return 1 / orderings < (1 - confidence) / 2;
+}
+
+double RankSumNull::pValue(double u) const {
+  if (isExact())
+    return std::min(1.0, 2 * lowerTail[size_t(std::min(u, pairs - u))]);
   if (variance <= 0)
     return 1;
-  const double z = std::max(0.0, std::abs(u - mean) - 0.5) / std::sqrt(variance);
+  const double z = std::max(0.0, std::abs(u - pairs / 2) - 0.5) / std::sqrt(variance);
   return std::min(1.0, std::erfc(z / std::sqrt(2.0)));
+}
+
+uint64_t RankSumNull::lowerBoundRank(double confidence) const {
+  const double tail = (1 - confidence) / 2;
+  if (isExact())
+    return uint64_t(std::partition_point(lowerTail.begin(), lowerTail.end(),
+                                         [tail](double p) { return p < tail; }) -
+                    lowerTail.begin());
+  return pairs == 0 ? 0 : normalLowerBoundRank(pairs, variance, confidence);
+}
+
+double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB) {
+  const RankStatistic statistic = rankStatistic(sortedA, sortedB);
+  return RankSumNull(statistic).pValue(statistic.u);
 }
 
 } // namespace kvt::profiling

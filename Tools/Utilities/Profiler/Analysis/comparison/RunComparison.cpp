@@ -1,14 +1,18 @@
 // The comparison walks base in its order and looks each series up in new by its key; what is
-// left of new afterwards was added. The verdicts wait until every row has its p-value, since the
+// left of new afterwards was added. A graph's step factor needs every matched step before the
+// first row is measured; the verdicts wait until every row has its p-value, since the
 // adjustment for many series needs them all.
 #include "RunComparison.h"
 
 #include "MannWhitney.h"
 #include "MultipleTesting.h"
+#include "NormalQuantile.h"
+#include "StepFactor.h"
 #include "statistics/SeriesSummary.h"
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <unordered_map>
 
 namespace kvt::profiling {
@@ -57,96 +61,139 @@ bool judgedNetOfRunShift(SeriesKind kind) {
   return kind == SeriesKind::backend || kind == SeriesKind::span || kind == SeriesKind::wait;
 }
 
+// A series of base and its match in new, when new has one.
+struct SeriesPair {
+  const SeriesRef* base = nullptr;
+  const SeriesRef* next = nullptr;
+  std::optional<double> logShift; // steps' spans of both runs only
+};
+
 class GraphComparer {
 public:
   GraphComparer(const ComparisonOptions& options, Comparison& comparison)
       : options(options), comparison(comparison) {}
 
   void compare(const std::string& name, const GraphStatistics* base, const GraphStatistics* next) {
-    GraphShift graph{name, std::nullopt, std::nullopt, 1};
+    const std::vector<SeriesRef> baseSeries = base ? listSeries(*base) : std::vector<SeriesRef>{};
+    const std::vector<SeriesRef> nextSeries = next ? listSeries(*next) : std::vector<SeriesRef>{};
+    const std::vector<SeriesPair> pairs = pairSeries(name, baseSeries, nextSeries);
+    std::vector<double> logShifts;
+    for (const SeriesPair& pair : pairs)
+      if (pair.logShift)
+        logShifts.push_back(*pair.logShift);
+    const StepFactor factor(std::move(logShifts));
+    GraphShift graph{name, std::nullopt, std::nullopt, factor.ratio(), factor.seriesCount()};
     if (base && next && !base->duration.values.empty() && !next->duration.values.empty()) {
       graph.shift = estimateShift(base->duration.values, next->duration.values, confidence());
       graph.change = inPercent(*graph.shift, nearestRank(base->duration.values, 50));
-      if (graph.change)
-        graph.ratio = std::max(1e-9, 1 + graph.change->percent / 100);
     }
-    const double ratio = options.relative ? graph.ratio : 1;
     comparison.graphs.push_back(std::move(graph));
-    compareSeries(name, base, next, ratio);
+    for (const SeriesPair& pair : pairs)
+      comparison.rows.push_back(compareSeries(name, pair, factor));
   }
 
 private:
   double confidence() const { return 1 - 2 * options.alpha; }
 
-  void compareSeries(const std::string& name, const GraphStatistics* base,
-                     const GraphStatistics* next, double ratio) {
-    const std::vector<SeriesRef> baseSeries = base ? listSeries(*base) : std::vector<SeriesRef>{};
-    const std::vector<SeriesRef> nextSeries = next ? listSeries(*next) : std::vector<SeriesRef>{};
+  // Base's series in order, each with its match; then new's series that base lacks.
+  static std::vector<SeriesPair> pairSeries(const std::string& graph,
+                                            const std::vector<SeriesRef>& baseSeries,
+                                            const std::vector<SeriesRef>& nextSeries) {
     std::unordered_map<SeriesKey, size_t, SeriesKeyHash> nextByKey;
     for (size_t i = 0; i < nextSeries.size(); ++i)
-      nextByKey.emplace(makeSeriesKey(name, nextSeries[i]), i);
+      nextByKey.emplace(makeSeriesKey(graph, nextSeries[i]), i);
     std::vector<bool> matched(nextSeries.size());
+    std::vector<SeriesPair> pairs;
     for (const SeriesRef& series : baseSeries) {
-      const auto it = nextByKey.find(makeSeriesKey(name, series));
-      if (it == nextByKey.end()) {
-        ComparisonRow row = makeRow(name, series);
-        row.base = describeSide(series.series->values);
-        row.verdict = Verdict::removed;
-        comparison.rows.push_back(std::move(row));
-        continue;
+      SeriesPair pair{&series, nullptr, std::nullopt};
+      const auto it = nextByKey.find(makeSeriesKey(graph, series));
+      if (it != nextByKey.end()) {
+        matched[it->second] = true;
+        pair.next = &nextSeries[it->second];
+        // Waits are left out: short and in whole units, their medians move in coarse steps.
+        if (series.kind == SeriesKind::span)
+          pair.logShift = logShift(series.series->values, pair.next->series->values);
       }
-      matched[it->second] = true;
-      const std::vector<uint64_t>& nextValues = nextSeries[it->second].series->values;
-      if (ratio != 1 && judgedNetOfRunShift(series.kind))
-        comparison.rows.push_back(measure(makeRow(name, series), series.series->values,
-                                          netOfRunShift(nextValues, ratio)));
-      else
-        comparison.rows.push_back(
-            measure(makeRow(name, series), series.series->values, nextValues));
+      pairs.push_back(pair);
     }
-    for (size_t i = 0; i < nextSeries.size(); ++i) {
-      if (matched[i])
-        continue;
-      ComparisonRow row = makeRow(name, nextSeries[i]);
-      row.next = describeSide(nextSeries[i].series->values);
+    for (size_t i = 0; i < nextSeries.size(); ++i)
+      if (!matched[i])
+        pairs.push_back({nullptr, &nextSeries[i], std::nullopt});
+    return pairs;
+  }
+
+  ComparisonRow compareSeries(const std::string& name, const SeriesPair& pair,
+                              const StepFactor& factor) {
+    ComparisonRow row = makeRow(name, pair.base ? *pair.base : *pair.next);
+    if (!pair.next) {
+      row.base = describeSide(pair.base->series->values);
+      row.verdict = Verdict::removed;
+      return row;
+    }
+    if (!pair.base) {
+      row.next = describeSide(pair.next->series->values);
       row.verdict = Verdict::added;
-      comparison.rows.push_back(std::move(row));
+      return row;
     }
+    const std::vector<uint64_t>& nextValues = pair.next->series->values;
+    const double ratio =
+        options.relative && judgedNetOfRunShift(row.kind) ? factor.ratioWithout(pair.logShift) : 1;
+    if (ratio == 1)
+      return measure(std::move(row), pair.base->series->values, nextValues);
+    return measure(std::move(row), pair.base->series->values, netOfRunShift(nextValues, ratio));
   }
 
   ComparisonRow measure(ComparisonRow row, std::span<const uint64_t> base,
-                        std::span<const uint64_t> next) const {
+                        std::span<const uint64_t> next) {
     row.base = describeSide(base);
     row.next = describeSide(next);
     if (base.empty() || next.empty())
       return row;
-    row.shift = estimateShift(base, next, confidence());
+    const RankStatistic statistic = rankStatistic(base, next);
+    std::optional<RankSumNull> approximate;
+    const RankSumNull& null = RankSumNull::isExactFor(statistic) ? getOrCreateExactNull(statistic)
+                                                                 : approximate.emplace(statistic);
+    row.shift = estimateShift(base, next, confidence(), null);
     row.change = inPercent(*row.shift, *row.base.p50);
-    row.pValue = mannWhitneyPValue(base, next);
+    row.pValue = null.pValue(statistic.u);
     return row;
+  }
+
+  // An exact distribution depends on the sizes alone, which a run's series mostly share.
+  const RankSumNull& getOrCreateExactNull(const RankStatistic& statistic) {
+    const std::pair<uint64_t, uint64_t> sizes(statistic.sizeA, statistic.sizeB);
+    auto it = exactNulls.find(sizes);
+    if (it == exactNulls.end())
+      it = exactNulls.emplace(sizes, RankSumNull(statistic)).first;
+    return it->second;
   }
 
   const ComparisonOptions& options;
   Comparison& comparison;
+  std::map<std::pair<uint64_t, uint64_t>, RankSumNull> exactNulls;
 };
 
-// Executions per run that would make the interval as narrow as the margin's band, for
-// differences as spread as now; always more than either run has, since these did not tell, and
-// at least the fewest that give an interval at all.
-std::optional<uint64_t> neededExecutions(const ComparisonRow& row, double margin, double confidence,
-                                         uint64_t smallestBounded) {
-  const uint64_t floor = std::max({smallestBounded, row.base.count + 1, row.next.count + 1});
-  if (row.shift->spread <= 0)
-    return floor;
-  if (margin <= 0)
-    return std::nullopt; // no interval is narrower than nothing
-  const double needed = std::ceil(samplesForWidth(row.shift->spread, 2 * margin, confidence));
-  if (!std::isfinite(needed) || needed > 1e18)
-    return std::nullopt;
-  return std::max(uint64_t(needed), floor);
+// The normal quantiles of the intervals a decision needs: the one shown (1 - 2 alpha), and the
+// one whose clearing 0 passes Holm's adjustment even as the first of the tests.
+struct DecisionQuantiles {
+  double shown = 0;
+  double test = 0;
+};
+
+// Beyond the margin, slower or faster needs the interval's near edge past the margin and a
+// p-value that passes Holm's adjustment; within it, same needs the interval inside the band.
+std::optional<NeededExecutions> neededToDecide(const ComparisonRow& row, double margin,
+                                               const DecisionQuantiles& z) {
+  const double estimate = std::abs(row.shift->units);
+  if (estimate <= margin) {
+    const DecisionTarget inside[] = {{margin - estimate, z.shown}};
+    return neededExecutions(*row.shift, row.base.count, row.next.count, inside);
+  }
+  const DecisionTarget beyond[] = {{estimate - margin, z.shown}, {estimate, z.test}};
+  return neededExecutions(*row.shift, row.base.count, row.next.count, beyond);
 }
 
-Verdict judge(ComparisonRow& row, const ComparisonOptions& options, uint64_t smallestBounded) {
+Verdict judge(ComparisonRow& row, const ComparisonOptions& options, const DecisionQuantiles& z) {
   if (row.verdict == Verdict::added || row.verdict == Verdict::removed)
     return row.verdict;
   if (!row.pAdjusted)
@@ -159,7 +206,7 @@ Verdict judge(ComparisonRow& row, const ComparisonOptions& options, uint64_t sma
     return Verdict::faster;
   if (shift.interval && shift.interval->low >= -margin && shift.interval->high <= margin)
     return Verdict::same;
-  row.needed = neededExecutions(row, margin, 1 - 2 * options.alpha, smallestBounded);
+  row.needed = neededToDecide(row, margin, z);
   return Verdict::unsure;
 }
 
@@ -170,7 +217,10 @@ void judgeRows(Comparison& comparison) {
       pValues.push_back(*row.pValue);
   const std::vector<double> holm = holmAdjusted(pValues);
   const std::vector<double> q = benjaminiHochbergQValues(pValues);
-  const uint64_t smallestBounded = smallestBoundedSample(1 - 2 * comparison.options.alpha);
+  const double alpha = comparison.options.alpha;
+  const DecisionQuantiles z{
+      normalQuantile(1 - alpha),
+      normalQuantile(1 - alpha / (2 * double(std::max<size_t>(pValues.size(), 1))))};
   ComparisonTotals& totals = comparison.totals;
   size_t tested = 0;
   for (ComparisonRow& row : comparison.rows) {
@@ -179,7 +229,7 @@ void judgeRows(Comparison& comparison) {
       row.qValue = q[tested];
       ++tested;
     }
-    row.verdict = judge(row, comparison.options, smallestBounded);
+    row.verdict = judge(row, comparison.options, z);
     uint64_t* counts[] = {&totals.slower, &totals.faster, &totals.same,
                           &totals.unsure, &totals.added,  &totals.removed};
     ++*counts[int(row.verdict)];

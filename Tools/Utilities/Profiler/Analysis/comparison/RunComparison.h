@@ -5,6 +5,7 @@
 #pragma once
 
 #include "ComparisonOptions.h"
+#include "NeededExecutions.h"
 #include "ShiftEstimate.h"
 #include "statistics/RunStatistics.h"
 #include "statistics/SeriesList.h"
@@ -41,22 +42,25 @@ struct ComparisonRow {
   std::optional<uint64_t> occurrence;
   ComparedSide base;
   ComparedSide next;
-  std::optional<ShiftEstimate> shift;  // in log units; none unless both sides have values
-  std::optional<PercentChange> change; // of the base median; none unless shift and base p50 > 0
-  std::optional<double> pValue;        // two-sided rank test; none unless both sides have values
-  std::optional<double> pAdjusted;     // Holm, over every row with a p-value
-  std::optional<double> qValue;        // Benjamini-Hochberg, over the same rows
-  std::optional<uint64_t> needed;      // unsure rows: executions per run that would tell
+  std::optional<ShiftEstimate> shift;     // in log units; none unless both sides have values
+  std::optional<PercentChange> change;    // of the base median; none unless shift and base p50 > 0
+  std::optional<double> pValue;           // two-sided rank test; none unless both sides have values
+  std::optional<double> pAdjusted;        // Holm, over every row with a p-value
+  std::optional<double> qValue;           // Benjamini-Hochberg, over the same rows
+  std::optional<NeededExecutions> needed; // unsure rows: executions per run that would decide
   Verdict verdict = Verdict::same;
 };
 
-// The run-wide change of a graph: the shift of its execution durations. In relative comparisons
-// the new run's step and back-end values are divided by ratio before they are judged.
+// The run-wide change of a graph: the shift of its execution durations, and the factor its steps
+// moved by in common (StepFactor.h). In relative comparisons the new run's back-end values and
+// waits are divided by ratio before they are judged, and each step's spans by the median of the
+// other steps' shifts.
 struct GraphShift {
   std::string name;
   std::optional<ShiftEstimate> shift;  // none unless both runs have durations
   std::optional<PercentChange> change; // none unless shift and a base median above 0
-  double ratio = 1;                    // 1 + change.percent / 100, or 1
+  double ratio = 1;        // exp of the median log shift of stepSeries; 1 when they are too few
+  uint64_t stepSeries = 0; // steps' span series of both runs with medians above 0
 };
 
 struct ComparisonTotals {
@@ -83,8 +87,8 @@ double marginUnits(const ComparisonRow& row, const ComparisonOptions& options);
 // slower: the Holm-adjusted p-value is below alpha and the shift exceeds the margin (the
 // threshold's share of the base median, and minChangeUnits); faster likewise the other way.
 // same: the (1 - 2 alpha) interval of the shift lies within plus or minus the margin. unsure:
-// neither, with the executions per run that would make the interval narrower than the margin's
-// band. Series of only one run are added or removed.
+// neither, with the executions per run at which it would decide (NeededExecutions.h, for
+// differences as spread as now). Series of only one run are added or removed.
 Comparison compareRuns(const RunStatistics& base, const RunStatistics& next,
                        const ComparisonOptions& options);
 

@@ -118,15 +118,6 @@ private:
   Runs next;
 };
 
-// The rank of the interval's lower bound among the differences, or 0 when there is none: the
-// normal approximation to the rank statistic's distribution, rounded down so that the interval
-// is never narrower than the confidence allows.
-uint64_t lowerBoundRank(double n, double m, double confidence) {
-  const double z = normalQuantile(0.5 + confidence / 2);
-  const double rank = std::floor(n * m / 2 - z * std::sqrt(n * m * (n + m + 1) / 12));
-  return rank >= 1 ? uint64_t(rank) : 0;
-}
-
 // The interval's half width if the samples were normal, with their spread from their quartiles:
 // a first guess that saves the search most of its steps.
 Wide guessHalfWidth(std::span<const uint64_t> base, std::span<const uint64_t> next,
@@ -146,7 +137,8 @@ Wide guessHalfWidth(std::span<const uint64_t> base, std::span<const uint64_t> ne
 } // namespace
 
 ShiftEstimate estimateShift(std::span<const uint64_t> sortedBase,
-                            std::span<const uint64_t> sortedNew, double confidence) {
+                            std::span<const uint64_t> sortedNew, double confidence,
+                            const RankSumNull& null) {
   const Differences differences(sortedBase, sortedNew);
   const uint64_t count = differences.size();
   ShiftEstimate estimate;
@@ -156,8 +148,7 @@ ShiftEstimate estimateShift(std::span<const uint64_t> sortedBase,
                                                           Wide(sortedBase[sortedBase.size() / 2]));
   const Wide upperMedian = count % 2 ? lowerMedian : differences.selectNext(middle, lowerMedian);
   estimate.units = (double(lowerMedian) + double(upperMedian)) / 2;
-  const uint64_t rank =
-      lowerBoundRank(double(sortedBase.size()), double(sortedNew.size()), confidence);
+  const uint64_t rank = null.lowerBoundRank(confidence);
   // The middle ranks that the interval or else the quartiles span, and the share between them.
   uint64_t spreadRank = std::max<uint64_t>(1, (count + 3) / 4);
   if (rank > 0) {
@@ -178,19 +169,10 @@ ShiftEstimate estimateShift(std::span<const uint64_t> sortedBase,
   return estimate;
 }
 
-double samplesForWidth(double spread, double width, double confidence) {
-  const double z = normalQuantile(0.5 + confidence / 2);
-  const double share = width / spread; // of the differences, which the interval may cover
-  // 12 share^2 n^2 / 4 = z^2 (2n + 1), solved for n
-  const double a = 3 * share * share;
-  return (2 * z * z + std::sqrt(4 * z * z * z * z + 4 * a * z * z)) / (2 * a);
-}
-
-uint64_t smallestBoundedSample(double confidence) {
-  uint64_t n = 1;
-  while (lowerBoundRank(double(n), double(n), confidence) == 0)
-    ++n;
-  return n;
+ShiftEstimate estimateShift(std::span<const uint64_t> sortedBase,
+                            std::span<const uint64_t> sortedNew, double confidence) {
+  return estimateShift(sortedBase, sortedNew, confidence,
+                       RankSumNull(rankStatistic(sortedBase, sortedNew)));
 }
 
 } // namespace kvt::profiling

@@ -3,6 +3,8 @@
 // differences.
 #pragma once
 
+#include "MannWhitney.h"
+
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -25,17 +27,14 @@ struct ShiftEstimate {
 
 // The estimate for two sorted, non-empty samples. The interval holds the true shift with
 // probability confidence (0 to 1): the order statistics k and N + 1 - k of the N = n x m
-// differences, k from the rank test's normal approximation (Moses). Example: {1, 2, 3} against
-// {11, 12, 13} is 10; its 0.98 interval needs more values and is none.
+// differences, k from null, the rank test's distribution for these samples (Moses). Example:
+// {1, 2, 3} against {11, 12, 13} is 10; its 0.98 interval needs more values and is none.
+ShiftEstimate estimateShift(std::span<const uint64_t> sortedBase,
+                            std::span<const uint64_t> sortedNew, double confidence,
+                            const RankSumNull& null);
+
+// The same, with the rank test's distribution found from the samples.
 ShiftEstimate estimateShift(std::span<const uint64_t> sortedBase,
                             std::span<const uint64_t> sortedNew, double confidence);
-
-// The smallest number of values per sample for which the interval at confidence exists.
-uint64_t smallestBoundedSample(double confidence);
-
-// The values per sample at which the interval at confidence would be about width wide, for
-// differences as spread as now: the interval covers the middle 2 z sqrt((2n + 1) / 12) / n of
-// them, so its width shrinks as 1 / sqrt(n).
-double samplesForWidth(double spread, double width, double confidence);
 
 } // namespace kvt::profiling

@@ -2,6 +2,7 @@
 #include "CompareReport.h"
 
 #include "ReportText.h"
+#include "comparison/StepFactor.h"
 
 #include <algorithm>
 #include <charconv>
@@ -42,7 +43,8 @@ std::string withSign(double value, int decimals) {
   return text.append(formatFinite(value, decimals));
 }
 
-// "model: run-wide shift +300.0 (+18.7 %, 98 % interval +17.9 % to +19.5 %)"
+// "model: run-wide shift +300.0 (+18.7 %, 98 % interval +17.9 % to +19.5 %); step factor 1.0000
+// (median of 2 steps)"
 void writeGraphLine(std::ostream& out, const GraphShift& graph, const ComparisonOptions& options) {
   out << graph.name << ": ";
   if (!graph.shift) {
@@ -61,10 +63,23 @@ void writeGraphLine(std::ostream& out, const GraphShift& graph, const Comparison
     out << " (" << level << " % interval " << withSign(graph.shift->interval->low, 1) << " to "
         << withSign(graph.shift->interval->high, 1) << ')';
   }
+  const bool hasFactor = graph.stepSeries >= StepFactor::minSeries;
+  if (hasFactor)
+    out << "; step factor " << formatFinite(graph.ratio, 4) << " (median of " << graph.stepSeries
+        << " steps)";
   if (options.relative)
-    out << "; steps and back-end records judged net of it (new values divided by "
-        << formatFinite(graph.ratio, 4) << ')';
+    out << (hasFactor ? "; new back-end values and waits judged divided by it, each step's spans "
+                        "by the median of the other steps"
+                      : "; too few steps for a step factor, nothing judged net of one");
   out << '\n';
+}
+
+// "+86/+0": the executions each run needs beyond those it has.
+std::string formatMoreNeeded(const ComparisonRow& row) {
+  if (!row.needed)
+    return "-";
+  return '+' + std::to_string(row.needed->base - row.base.count) + "/+" +
+         std::to_string(row.needed->next - row.next.count);
 }
 
 } // namespace
@@ -92,7 +107,8 @@ void writeGraphJson(std::ostream& out, const GraphShift& graph) {
       << formatFinite(graph.change ? std::optional(graph.change->percent) : std::nullopt)
       << ", \"interval\": ";
   writeIntervalJson(out, graph.change ? graph.change->interval : std::nullopt);
-  out << ", \"ratio\": " << formatFinite(graph.ratio, 6) << "}}";
+  out << ", \"ratio\": " << formatFinite(graph.ratio, 6) << ", \"stepSeries\": " << graph.stepSeries
+      << "}}";
 }
 
 namespace {
@@ -119,7 +135,12 @@ void writeRowJson(std::ostream& out, const ComparisonRow& row) {
   out << ", \"pValue\": " << formatSignificant(row.pValue)
       << ", \"pAdjusted\": " << formatSignificant(row.pAdjusted)
       << ", \"qValue\": " << formatSignificant(row.qValue) << ", \"verdict\": \""
-      << verdictName(row.verdict) << "\", \"needed\": " << formatOptional(row.needed) << '}';
+      << verdictName(row.verdict) << "\", \"needed\": ";
+  if (row.needed)
+    out << "{\"base\": " << row.needed->base - row.base.count
+        << ", \"new\": " << row.needed->next - row.next.count << "}}";
+  else
+    out << "null}";
 }
 
 } // namespace
@@ -143,7 +164,7 @@ void writeComparisonTable(std::ostream& out, const Comparison& comparison) {
   });
   std::vector<std::vector<std::string>> rows{
       {"verdict", "graph", "series", "name", "parent", "occurrence", "base n", "base p50", "new n",
-       "new p50", "change %", "interval %", "p-value", "Holm p", "q", "needed"}};
+       "new p50", "change %", "interval %", "p-value", "Holm p", "q", "more base/new"}};
   for (const ComparisonRow* row : order)
     rows.push_back(
         {std::string(verdictName(row->verdict)), row->graph, std::string(seriesKindName(row->kind)),
@@ -153,7 +174,7 @@ void writeComparisonTable(std::ostream& out, const Comparison& comparison) {
          orDash(formatFinite(row->change ? std::optional(row->change->percent) : std::nullopt, 1)),
          formatInterval(row->change ? row->change->interval : std::nullopt, 1),
          orDash(formatSignificant(row->pValue)), orDash(formatSignificant(row->pAdjusted)),
-         orDash(formatSignificant(row->qValue)), orDash(formatOptional(row->needed))});
+         orDash(formatSignificant(row->qValue)), formatMoreNeeded(*row)});
   writeAlignedRows(out, rows, 5, "");
   const ComparisonTotals& totals = comparison.totals;
   out << "\n"

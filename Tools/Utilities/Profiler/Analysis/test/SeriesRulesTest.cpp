@@ -3,6 +3,7 @@
 // adjustments for many series, on small known samples.
 #include "comparison/MannWhitney.h"
 #include "comparison/MultipleTesting.h"
+#include "comparison/NeededExecutions.h"
 #include "comparison/ShiftEstimate.h"
 #include "statistics/SeriesSummary.h"
 
@@ -37,28 +38,27 @@ TEST(SeriesRules, NearestRankPicksTheValueAtRankCeilPTimesN) {
   }
 }
 
-TEST(SeriesRules, RankTestGivesTheNormalApproximationsPValue) {
+// Small untied samples take the exact distribution, which RankOracleTest checks by brute force.
+TEST(SeriesRules, RankTestWithTiesOrManyValuesGivesTheNormalApproximationsPValue) {
   struct Case {
     const char* what;
     std::vector<uint64_t> a;
     std::vector<uint64_t> b;
     double expected;
   };
+  std::vector<uint64_t> low(65);
+  std::vector<uint64_t> high(65);
+  for (uint64_t i = 0; i < 65; ++i) {
+    low[i] = i;
+    high[i] = 100 + i;
+  }
   const Case cases[] = {
-      {"separated triples: U = 0, z = 1.746", {1, 2, 3}, {4, 5, 6}, 0.0808556},
-      {"separated tens",
-       {1, 2, 3, 4, 5, 6, 7, 8, 9, 10},
-       {11, 12, 13, 14, 15, 16, 17, 18, 19, 20},
-       0.000182672},
-      {"overlapping fives, 30 % apart",
-       {800, 900, 1000, 1200, 1400},
-       {1040, 1170, 1300, 1560, 1820},
-       0.143672},
       {"ties across the samples shrink the variance", {1, 2, 2, 3}, {2, 3, 3, 4}, 0.172034},
+      {"65 x 65 untied values are too many to count: z = 9.834", low, high, 8.0265724e-23},
       {"identical samples", {1, 2, 3, 4}, {1, 2, 3, 4}, 1},
       {"all values equal: no variance, no evidence", {5, 5, 5}, {5, 5}, 1},
       {"an empty sample", std::vector<uint64_t>(), {1, 2}, 1},
-      {"single values: the continuity correction leaves z at 0", {1}, {2}, 1},
+      {"single values: one of two orderings is as extreme", {1}, {2}, 1},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -88,7 +88,7 @@ TEST(SeriesRules, ShiftIsTheMedianDifferenceWithOrderStatisticBounds) {
        Interval{9, 11}},
       {"an even count averages the middle two", {1, 2}, {4, 6}, 0.5, 3.5, Interval{2, 5}},
       {"ties are differences like any others", {5, 5, 5}, {5, 5, 5}, 0.8, 0, Interval{0, 0}},
-      // n = m = 10: the lower bound is difference 19 of 100, floor(50 - 2.326 x 13.23)
+      // n = m = 10: the lower bound is difference 19 of 100, where P(U < k) reaches 1 %
       {"tens against tens moved by 10",
        tens,
        {11, 12, 13, 14, 15, 16, 17, 18, 19, 20},
@@ -143,6 +143,49 @@ TEST(SeriesRules, AdjustmentsForManySeriesKeepTheOrderOfTheirPValues) {
     for (size_t i = 0; i < c.p.size(); ++i) {
       EXPECT_DOUBLE_EQ(holm[i], c.holm[i]);
       EXPECT_DOUBLE_EQ(q[i], c.q[i]);
+    }
+  }
+}
+
+// The half width at n and m values is z x spread x sqrt((n + m + 1) / (12 n m)); with spread 100
+// and z 2.326, a half width of 10 needs (n + m + 1) / (n m) <= 0.02218.
+TEST(SeriesRules, NeededExecutionsGrowTheSmallerRunFirst) {
+  struct Case {
+    const char* what;
+    double spread;
+    uint64_t base;
+    uint64_t next;
+    std::vector<DecisionTarget> targets;
+    std::optional<NeededExecutions> expected;
+  };
+  const Case cases[] = {
+      {"equal runs grow alike: 183 / 91^2 <= 0.02218", 100, 5, 5, {{10, 2.326}}, {{91, 91}}},
+      {"the smaller run alone reaches it: 260 / (200 x 59)",
+       100,
+       5,
+       200,
+       {{10, 2.326}},
+       {{59, 200}}},
+      {"the smaller run passes the larger, then both grow", 100, 50, 5, {{10, 2.326}}, {{91, 91}}},
+      {"the narrowest target decides", 100, 5, 5, {{20, 2.326}, {10, 2.326}}, {{91, 91}}},
+      {"no spread: the first sizes with an interval, C(10, 5) > 2 / 0.02",
+       0,
+       2,
+       2,
+       {{10, 2.326}},
+       {{5, 5}}},
+      {"a band of width 0 is never reached", 100, 5, 5, {{0, 2.326}}, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    ShiftEstimate shift;
+    shift.spread = c.spread;
+    const std::optional<NeededExecutions> needed =
+        neededExecutions(shift, c.base, c.next, c.targets);
+    ASSERT_EQ(needed.has_value(), c.expected.has_value());
+    if (needed) {
+      EXPECT_EQ(needed->base, c.expected->base);
+      EXPECT_EQ(needed->next, c.expected->next);
     }
   }
 }

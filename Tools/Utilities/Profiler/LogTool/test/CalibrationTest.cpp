@@ -1,6 +1,7 @@
 // What compare promises, over seeded pairs of synthesised runs: runs that differ only by chance
 // are rarely called slower, a planted change is found, too few executions are said to be too few,
-// and a run-wide change is told apart from a step's. Fixed seeds keep it deterministic; the bench
+// a run-wide change is told apart from a step's, and one large step that moved does not make the
+// others look moved when judged relative to the run. Fixed seeds keep it deterministic; the bench
 // measures the same rates over many more pairs.
 #include "support/TestFiles.h"
 #include "synth/SynthComparison.h"
@@ -14,9 +15,9 @@
 namespace kvt::profiling {
 namespace {
 
-// The step whose spans the cases scale: the first of the model's only graph.
-std::string scaledStep(const SynthOptions& model) {
-  return std::string(StepName(FigureSource(model.seed), 0, 0).view());
+// The step whose spans a case scales, by its place in the model's only graph.
+std::string scaledStep(const SynthOptions& model, uint32_t place) {
+  return std::string(StepName(FigureSource(model.seed), 0, place).view());
 }
 
 bool isStep(const ComparisonRow& row) {
@@ -49,7 +50,12 @@ bool onlyTheScaledStepSlower(const Comparison& comparison, const std::string& st
 bool unsureWithMoreExecutionsNeeded(const Comparison& comparison, const std::string& step) {
   const ComparisonRow* scaled = findRow(comparison, SeriesKind::span, step);
   return scaled && scaled->verdict == Verdict::unsure && scaled->needed &&
-         *scaled->needed > scaled->base.count;
+         scaled->needed->base > scaled->base.count;
+}
+
+bool scaledStepSlower(const Comparison& comparison, const std::string& step) {
+  const ComparisonRow* scaled = findRow(comparison, SeriesKind::span, step);
+  return scaled && scaled->verdict == Verdict::slower;
 }
 
 bool durationAndEverySpanSlower(const Comparison& comparison, const std::string&) {
@@ -76,6 +82,7 @@ TEST(Calibration, ComparisonsOfSeededPairsKeepTheirPromises) {
     SynthNoise noise;
     uint64_t executions;
     double stepScale; // of the scaled step in the new run
+    uint32_t place;   // of the scaled step in the graph; 5 is about a quarter of the run
     double runScale;  // of the whole new run
     bool relative;
     uint32_t pairs;
@@ -83,16 +90,27 @@ TEST(Calibration, ComparisonsOfSeededPairsKeepTheirPromises) {
     std::function<bool(const Comparison&, const std::string&)> holds;
   };
   const Case cases[] = {
-      {"equal runs, mild noise", SynthNoise::mild, 100, 1, 1, false, 40, 39, noneSlower},
-      {"equal runs, heavy noise", SynthNoise::heavy, 100, 1, 1, false, 40, 39, noneSlower},
-      {"a step 10 % slower over 200 executions", SynthNoise::mild, 200, 1.10, 1, false, 20, 19,
+      {"equal runs, mild noise", SynthNoise::mild, 100, 1, 0, 1, false, 40, 39, noneSlower},
+      {"equal runs, heavy noise", SynthNoise::heavy, 100, 1, 0, 1, false, 40, 39, noneSlower},
+      {"a step 10 % slower over 200 executions", SynthNoise::mild, 200, 1.10, 0, 1, false, 20, 19,
        onlyTheScaledStepSlower},
-      {"a step 30 % slower over 5 noisy executions", SynthNoise::heavy, 5, 1.30, 1, false, 10, 10,
-       unsureWithMoreExecutionsNeeded},
-      {"a run 8 % slower", SynthNoise::mild, 200, 1, 1.08, false, 10, 10,
+      {"a step 30 % slower over 5 noisy executions", SynthNoise::heavy, 5, 1.30, 0, 1, false, 10,
+       10, unsureWithMoreExecutionsNeeded},
+      {"a run 8 % slower", SynthNoise::mild, 200, 1, 0, 1.08, false, 10, 10,
        durationAndEverySpanSlower},
-      {"a run 8 % slower, judged relative to it", SynthNoise::mild, 200, 1, 1.08, true, 10, 10,
+      {"a run 8 % slower, judged relative to it", SynthNoise::mild, 200, 1, 0, 1.08, true, 10, 10,
        durationSlowerButNoStepChanged},
+      // The run's duration moves by about 8 %: no other step may look 8 % faster.
+      {"a quarter of the run 30 % slower, judged relative", SynthNoise::mild, 200, 1.30, 5, 1, true,
+       20, 19, onlyTheScaledStepSlower},
+      {"a quarter of the run 30 % slower, judged relative, heavy noise", SynthNoise::heavy, 200,
+       1.30, 5, 1, true, 20, 19, onlyTheScaledStepSlower},
+      // Fully apart, 5 and 5 give p = 2/252 at best, which Holm over a dozen series cannot pass;
+      // 10 and 10 give 2/184756.
+      {"a step doubled over 5 executions", SynthNoise::mild, 5, 2, 5, 1, false, 10, 10,
+       unsureWithMoreExecutionsNeeded},
+      {"a step doubled over 10 executions", SynthNoise::mild, 10, 2, 5, 1, false, 10, 10,
+       scaledStepSlower},
   };
   const testing::TempDir dir;
   for (const Case& c : cases) {
@@ -102,7 +120,7 @@ TEST(Calibration, ComparisonsOfSeededPairsKeepTheirPromises) {
     model.steps = 6;
     model.executions = c.executions;
     model.noise = c.noise;
-    const std::string step = scaledStep(model);
+    const std::string step = scaledStep(model, c.place);
     uint32_t held = 0;
     for (uint32_t pair = 0; pair < c.pairs; ++pair) {
       SynthOptions next = calibrationRun(model, pair, true);

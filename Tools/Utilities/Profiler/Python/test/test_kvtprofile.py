@@ -84,6 +84,8 @@ def flat(figures, prefix=""):
         elif key == "interval":
             low, high = value if value else (None, None)
             columns.update({f"{prefix}interval_low": low, f"{prefix}interval_high": high})
+        elif key == "needed" and value is None:
+            columns.update({f"{prefix}needed_base": None, f"{prefix}needed_new": None})
         else:
             columns[prefix + snake(key)] = value
     return columns

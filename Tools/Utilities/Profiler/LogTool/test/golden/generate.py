@@ -69,17 +69,24 @@ def compare_runs():
 
 
 def compare_relative():
-    for name, scale, comment in [
-            ("base", 1.0, "The base run: 200 executions of steps A (about 1000), B (about 500) "
-                          "and C (about 300), each with +-10 % of deterministic noise."),
-            ("scaled", 1.08, "As base.json on a machine 8 % slower: every span and wait 8 % "
-                             "longer, so the run-wide shift is +8 % and no step changed beyond it.")]:
+    for name, scale, scale_a, comment in [
+            ("base", 1.0, 1.0, "The base run: 200 executions of steps A (about 1000), B (about 500), "
+                               "C (about 300), D (about 700) and E (about 200), each with +-10 % "
+                               "of deterministic noise."),
+            ("scaled", 1.08, 1.0, "As base.json on a machine 8 % slower: every span and wait 8 % "
+                                  "longer, so the run-wide shift is +8 % and no step changed "
+                                  "beyond it."),
+            ("dominant", 1.0, 1.3, "As base.json, but every span of A (about a third of the run) "
+                                   "30 % longer: the duration moves by about 11 %, no other step "
+                                   "moves at all.")]:
         executions = []
         for i in range(200):
-            steps = [(step, round((base + noise(i, prime, base // 10)) * scale),
+            steps = [(step, round((base + noise(i, prime, base // 10)) * scale
+                                  * (scale_a if step == "A" else 1)),
                       round((20 + noise(i, 31, 5)) * scale))
                      for step, base, prime in [("A", 1000, 7919), ("B", 500, 104729),
-                                               ("C", 300, 15485863)]]
+                                               ("C", 300, 15485863), ("D", 700, 1299709),
+                                               ("E", 200, 32452843)]]
             executions.append(execution("model", 10000 * (i + 1), steps))
         write_log(f"compare-relative/{name}.json", [comment], executions)
 
