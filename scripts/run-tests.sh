@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up, builds and runs every test: the release build, the same suite under ASan and UBSan,
-# the concurrency tests under TSan, a short fuzzing run, and the Windows and 64-bit Arm builds
+# the concurrency tests under TSan, a link-time check for names defined twice, a short fuzzing
+# run, and the Windows and 64-bit Arm builds
 # with their tests under Wine and QEMU. --quick runs the release suite only; --skip-platforms
 # (or KVT_SKIP_PLATFORMS=1) leaves out the Windows and Arm stages.
 set -euo pipefail
@@ -46,6 +47,17 @@ bash scripts/setup.sh
 cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKVT_SANITIZE=thread >/dev/null
 cmake --build build-tsan --parallel "$jobs" --target KvtReaderTests
 build-tsan/bin/KvtReaderTests --gtest_filter='*Thread*'
+
+stage "one definition of each name (link-time optimisation with -Wodr)"
+# Two types or declarations of one name in one program link silently and break at run time; GCC
+# compares them across translation units only when it links their intermediate code. -O0 keeps
+# the stage cheap; the programs and libraries are enough, the tests add only their own code.
+odr_errors="-Werror=odr -Werror=lto-type-mismatch"
+cmake -S . -B build-odr -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 \
+  -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=ON -DKVT_BUILD_TESTS=OFF \
+  "-DCMAKE_EXE_LINKER_FLAGS=$odr_errors" "-DCMAKE_SHARED_LINKER_FLAGS=$odr_errors" \
+  "-DCMAKE_MODULE_LINKER_FLAGS=$odr_errors" >/dev/null
+cmake --build build-odr --parallel "$jobs" -- -k 0 # every clash at once
 
 stage "fuzzing for ${KVT_FUZZ_SECONDS:-60} seconds"
 bash Tools/Utilities/Profiler/Fuzzer/run-fuzzer.sh "${KVT_FUZZ_SECONDS:-60}"

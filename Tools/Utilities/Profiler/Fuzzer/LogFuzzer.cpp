@@ -1,10 +1,15 @@
 // Feeds arbitrary bytes to both readers as a log file: parse, then every output into a
-// scratch directory; then the statistics pass, every statistics report and comparisons. Any crash,
-// leak, hang or runaway allocation is a finding.
+// scratch directory; then the statistics pass, every statistics report, comparisons, the
+// execution table in each form and the report page's data. Any crash, leak, hang or runaway
+// allocation is a finding.
+#include "ReportData.h"
+#include "RunFigures.h"
 #include "plugin/KvtProfileLogReader.h"
 #include "reports/CompareReport.h"
 #include "reports/StatsReport.h"
 #include "statistics/StatisticsPass.h"
+#include "tables/ExecutionColumns.h"
+#include "tables/ExecutionText.h"
 #include "trace/KvtProfileLogReaderChrometrace.h"
 
 #include <algorithm>
@@ -12,7 +17,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <sstream>
 #include <string>
 
@@ -37,6 +41,8 @@ const std::filesystem::path& scratchDir() {
 
 // Parses the log and writes the reader's outputs; what they print is thrown away.
 void runReader(KvtProfileLogReader& reader, const std::string& outputPath) {
+  std::ostringstream discarded;
+  reader.printTo(discarded);
   if (reader.parseLog(false)) {
     reader.printHeaderDetails();
     reader.writeOutputs(outputPath);
@@ -83,13 +89,24 @@ void writeComparison(std::ostream& out, const RunStatistics& base, const RunStat
   writeComparisonJson(out, comparison, logPath, logPath);
 }
 
-// The statistics of the log, every report of them, and its comparison with itself and with a
-// perturbed copy, plainly and net of the run-wide shift.
+// The report page's data of the run alone, and compared with other.
+void writePageData(std::ostream& out, const RunFigures& figures, const RunStatistics& run,
+                   const RunStatistics& other) {
+  ReportInput input{"fuzzed", 1, {figures}, std::nullopt};
+  writeReportData(out, input);
+  input.runs.push_back(figures);
+  input.comparison = figureComparison(run, other, {});
+  writeReportData(out, input);
+}
+
+// The statistics of the log, every report of them, its comparison with itself and with a
+// perturbed copy, plainly and net of the run-wide shift, and the report page's data.
 void runStatistics(const std::string& logPath) {
   StatisticsOptions pass;
   pass.skipFirst = 1;
   RunStatistics run;
-  if (!readRunStatistics(logPath, pass, run))
+  RunFigures figures;
+  if (!readRunFigures(logPath, pass, run, figures))
     return;
   std::ostringstream discarded;
   writeStatsTable(discarded, run, {StepOrder::name, 3});
@@ -99,6 +116,16 @@ void runStatistics(const std::string& logPath) {
   const RunStatistics other = perturbed(run);
   writeComparison(discarded, run, other, {}, logPath);
   writeComparison(discarded, other, run, {0.2, 0, 10, true}, logPath);
+  writePageData(discarded, figures, run, other);
+}
+
+// Every execution's values as text in each format and as a data frame's columns.
+void runExecutionTable(const std::string& logPath) {
+  const ExecutionRowOptions options{VisibilityLevel::keepAll, 1};
+  for (const ExecutionTextFormat format : {ExecutionTextFormat::csv, ExecutionTextFormat::jsonl})
+    writeExecutionText(logPath, options, format, [](std::string_view) { return true; });
+  ExecutionColumns columns;
+  readExecutionColumns(logPath, options, columns);
 }
 
 } // namespace
@@ -111,15 +138,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::ofstream log(logPath, std::ios::binary | std::ios::trunc);
     log.write(reinterpret_cast<const char*>(data), std::streamsize(size));
   }
-  std::ostringstream discarded;
-  std::streambuf* standardOutput = std::cout.rdbuf(discarded.rdbuf());
-
   KvtProfileLogReaderChrometrace traceReader(logPath, VisibilityLevel::keepAll);
   runReader(traceReader, (scratchDir() / "trace.json").string());
   KvtProfileLogReader csvReader(logPath, VisibilityLevel::keepAll);
   runReader(csvReader, (scratchDir() / "events.csv").string());
   runStatistics(logPath);
-
-  std::cout.rdbuf(standardOutput);
+  runExecutionTable(logPath);
   return 0;
 }

@@ -3,7 +3,7 @@
 #include "Frames.h"
 
 #include "FrameColumns.h"
-#include "tables/SeriesFigures.h"
+#include "tables/SeriesFigureRows.h"
 
 #include <cstdint>
 
@@ -101,15 +101,15 @@ std::string describePlace(const std::string& log, const SeriesKey& key) {
   return place;
 }
 
-std::optional<uint64_t> figure(const SeriesFigures& row, uint64_t value) {
+std::optional<uint64_t> figure(const SeriesFigureRow& row, uint64_t value) {
   return row.summary.count ? std::optional(value) : std::nullopt;
 }
 
-std::optional<double> figure(const SeriesFigures& row, double value) {
+std::optional<double> figure(const SeriesFigureRow& row, double value) {
   return row.summary.count ? std::optional(value) : std::nullopt;
 }
 
-void requireInt64Figures(const SeriesFigures& row, const std::string& log) {
+void requireInt64Figures(const SeriesFigureRow& row, const std::string& log) {
   const std::string place = describePlace(log, makeSeriesKey(row.graph, row.series));
   if (row.summary.count)
     requireInt64(row.summary.max, "the largest value", place);
@@ -139,16 +139,16 @@ py::object makeExecutionsFrame(ExecutionColumns& columns, const FrameLogs& logs)
 }
 
 py::object makeStatsFrame(const std::vector<RunStatistics>& runs, const FrameLogs& logs) {
-  std::vector<SeriesFigures> rows;
+  std::vector<SeriesFigureRow> rows;
   std::vector<size_t> rowsByLog;
   for (size_t log = 0; log < runs.size(); ++log) {
-    const std::vector<SeriesFigures> runRows = listSeriesFigures(runs[log]);
-    for (const SeriesFigures& row : runRows)
+    const std::vector<SeriesFigureRow> runRows = listSeriesFigureRows(runs[log]);
+    for (const SeriesFigureRow& row : runRows)
       requireInt64Figures(row, logs.paths[log]);
     rows.insert(rows.end(), runRows.begin(), runRows.end());
     rowsByLog.push_back(runRows.size());
   }
-  using Row = SeriesFigures;
+  using Row = SeriesFigureRow;
   auto integer = [](uint64_t SeriesSummary::*field) {
     return [field](const Row& row) { return figure(row, row.summary.*field); };
   };

@@ -13,8 +13,6 @@
 #include <pybind11/stl/filesystem.h>
 
 #include <filesystem>
-#include <iostream>
-#include <mutex>
 #include <sstream>
 
 namespace kvt::profiling {
@@ -195,34 +193,16 @@ FrameResult readComparison(const PathArgument& basePath, const PathArgument& new
   return {frame};
 }
 
-// Sends std::cout to another stream for its lifetime.
-class StandardOutputCapture {
-public:
-  explicit StandardOutputCapture(std::ostream& to) : saved(std::cout.rdbuf(to.rdbuf())) {}
-  StandardOutputCapture(const StandardOutputCapture&) = delete;
-  StandardOutputCapture& operator=(const StandardOutputCapture&) = delete;
-  ~StandardOutputCapture() { std::cout.rdbuf(saved); }
-
-private:
-  std::streambuf* saved;
-};
-
-// The reader prints its summary on the standard output, as the viewer shows it; it is caught
-// here instead. One reader at a time may have the stream.
+// What the reader prints, as the viewer shows it, goes to this call's own stream: calls on other
+// threads run side by side.
 template <typename Reader> std::string runReader(const Path& path, const std::string& outputPath) {
   requireExistingFile(path);
-  static std::mutex coutOwner;
   std::ostringstream printed;
   const py::gil_scoped_release released;
-  const std::lock_guard<std::mutex> owned(coutOwner);
   clearReaderMessages();
-  bool done = false;
-  {
-    const StandardOutputCapture capture(printed);
-    Reader reader(path.string(), VisibilityLevel::keepAll);
-    done = reader.parseLog(false) && reader.writeOutputs(outputPath);
-  }
-  if (!done)
+  Reader reader(path.string(), VisibilityLevel::keepAll);
+  reader.printTo(printed);
+  if (!reader.parseLog(false) || !reader.writeOutputs(outputPath))
     throwReaderFailure("cannot read the log " + path.string());
   return printed.str();
 }

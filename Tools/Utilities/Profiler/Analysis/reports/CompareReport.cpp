@@ -2,6 +2,7 @@
 #include "CompareReport.h"
 
 #include "ReportText.h"
+#include "TerminalText.h"
 #include "comparison/StepFactor.h"
 
 #include <algorithm>
@@ -46,7 +47,7 @@ std::string withSign(double value, int decimals) {
 // "model: run-wide shift +300.0 (+18.7 %, 98 % interval +17.9 % to +19.5 %); step factor 1.0000
 // (median of 2 steps)"
 void writeGraphLine(std::ostream& out, const GraphShift& graph, const ComparisonOptions& options) {
-  out << graph.name << ": ";
+  out << analysis_internal::formatTerminalText(graph.name) << ": ";
   if (!graph.shift) {
     out << "no run-wide shift (the graph has no durations in one of the runs)\n";
     return;
@@ -175,7 +176,7 @@ void writeComparisonTable(std::ostream& out, const Comparison& comparison) {
          formatInterval(row->change ? row->change->interval : std::nullopt, 1),
          orDash(formatSignificant(row->pValue)), orDash(formatSignificant(row->pAdjusted)),
          orDash(formatSignificant(row->qValue)), formatMoreNeeded(*row)});
-  writeAlignedRows(out, rows, 5, "");
+  analysis_internal::writeAlignedRows(out, rows, 5, "");
   const ComparisonTotals& totals = comparison.totals;
   out << "\n"
       << totals.slower << " slower, " << totals.faster << " faster, " << totals.same << " same, "

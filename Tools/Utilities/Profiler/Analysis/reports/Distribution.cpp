@@ -5,7 +5,7 @@
 #include <array>
 #include <string_view>
 
-namespace kvt::profiling {
+namespace kvt::profiling::analysis_internal {
 
 namespace {
 
@@ -39,4 +39,4 @@ std::string drawDistribution(std::span<const uint64_t> sorted) {
   return picture;
 }
 
-} // namespace kvt::profiling
+} // namespace kvt::profiling::analysis_internal

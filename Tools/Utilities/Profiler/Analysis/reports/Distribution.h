@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-namespace kvt::profiling {
+namespace kvt::profiling::analysis_internal {
 
 inline constexpr size_t distributionBins = 10; // characters of the picture
 
@@ -15,4 +15,4 @@ inline constexpr size_t distributionBins = 10; // characters of the picture
 // is equal; empty for no values. Example: {1, 1, 1, 10} gives "█        ▃".
 std::string drawDistribution(std::span<const uint64_t> sorted);
 
-} // namespace kvt::profiling
+} // namespace kvt::profiling::analysis_internal

@@ -2,7 +2,6 @@
 // depend on the locale.
 #include "ReportText.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -91,29 +90,6 @@ std::string formatCsvField(std::string_view text) {
       quoted += '"';
   }
   return quoted + '"';
-}
-
-void writeAlignedRows(std::ostream& out, const std::vector<std::vector<std::string>>& rows,
-                      size_t leftAligned, std::string_view indent) {
-  std::vector<size_t> widths;
-  for (const std::vector<std::string>& row : rows) {
-    widths.resize(std::max(widths.size(), row.size()));
-    for (size_t column = 0; column < row.size(); ++column)
-      widths[column] = std::max(widths[column], row[column].size());
-  }
-  for (const std::vector<std::string>& row : rows) {
-    std::string line(indent);
-    for (size_t column = 0; column < row.size(); ++column) {
-      const std::string& cell = row[column];
-      const bool last = column + 1 == row.size();
-      const std::string padding(last ? 0 : widths[column] - cell.size(), ' ');
-      if (column > 0)
-        line += "  ";
-      line += column < leftAligned ? cell + padding : padding + cell;
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    out << line << '\n';
-  }
 }
 
 } // namespace kvt::profiling

@@ -1,5 +1,4 @@
-// Small text pieces the statistics reports share: JSON strings and numbers, CSV fields, and
-// tables whose columns line up.
+// Small text pieces the statistics reports share: JSON strings and numbers and CSV fields.
 #pragma once
 
 #include "log/ParseDriver.h"
@@ -9,7 +8,6 @@
 #include <ostream>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kvt::profiling {
 
@@ -41,11 +39,5 @@ void writeSummaryJson(std::ostream& out, const SeriesSummary& summary);
 
 // text as a CSV field: quoted, with quotes doubled, when it holds a comma, quote or line break.
 std::string formatCsvField(std::string_view text);
-
-// The rows (the first is the header) as columns padded to their widest cell, two blanks apart,
-// each line opened by indent. The first leftAligned columns are aligned left, the others right;
-// the last column is never padded, so it may hold text of any width.
-void writeAlignedRows(std::ostream& out, const std::vector<std::vector<std::string>>& rows,
-                      size_t leftAligned, std::string_view indent);
 
 } // namespace kvt::profiling

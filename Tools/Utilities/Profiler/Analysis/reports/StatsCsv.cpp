@@ -1,7 +1,7 @@
 // The CSV report: the series of every graph in the order the comparison walks them.
 #include "ReportText.h"
 #include "StatsReport.h"
-#include "tables/SeriesFigures.h"
+#include "tables/SeriesFigureRows.h"
 
 namespace kvt::profiling {
 
@@ -16,7 +16,7 @@ std::string formatField(std::optional<uint64_t> value) {
 
 void writeStatsCsv(std::ostream& out, const RunStatistics& run) {
   out << "graph,series,name,parent,occurrence,count,mean,stddev,min,p50,p90,p99,max,first,share\n";
-  for (const SeriesFigures& row : listSeriesFigures(run)) {
+  for (const SeriesFigureRow& row : listSeriesFigureRows(run)) {
     const SeriesSummary& summary = row.summary;
     auto figure = [&](uint64_t value) {
       return formatField(summary.count ? std::optional(value) : std::nullopt);

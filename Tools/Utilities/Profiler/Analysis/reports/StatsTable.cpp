@@ -3,6 +3,7 @@
 #include "Distribution.h"
 #include "ReportText.h"
 #include "StatsReport.h"
+#include "TerminalText.h"
 #include "statistics/SeriesSummary.h"
 #include "statistics/StepShares.h"
 
@@ -14,6 +15,10 @@ namespace kvt::profiling {
 
 namespace {
 
+using analysis_internal::drawDistribution;
+using analysis_internal::formatTerminalText;
+using analysis_internal::writeAlignedRows;
+
 std::string formatFigure(const SeriesSummary& summary, uint64_t value) {
   return summary.count ? std::to_string(value) : "-";
 }
@@ -24,9 +29,9 @@ std::string formatPercent(std::optional<double> value) {
 
 std::string formatHeaderLine(const GraphStatistics& graph) {
   const SeriesSummary duration = summarizeSeries(graph.duration.values, {});
-  std::string line = graph.name + ": " + std::to_string(duration.count) + " executions counted, " +
-                     std::to_string(graph.skipped) + " skipped; duration p50 " +
-                     formatFigure(duration, duration.p50) + ", p99 " +
+  std::string line = formatTerminalText(graph.name) + ": " + std::to_string(duration.count) +
+                     " executions counted, " + std::to_string(graph.skipped) +
+                     " skipped; duration p50 " + formatFigure(duration, duration.p50) + ", p99 " +
                      formatFigure(duration, duration.p99);
   if (hasQueueWaitSeries(graph)) {
     // Executions with several queue-wait events, or none, have no queue wait: say how many did.

@@ -375,6 +375,30 @@ def test_summary_and_trace_are_the_viewers(tmp_path):
     assert "Execute Stats" in printed
 
 
+def test_summaries_and_traces_on_threads_are_each_whole(tmp_path):
+    # Each call prints to a stream of its own: texts read side by side neither mix nor go missing.
+    log = os.environ["KVT_EXAMPLE_LOG"]
+    expected_summary = kvtprofile.summary(log)
+    expected_trace = kvtprofile.trace(log, tmp_path / "expected.json")
+    results = {}
+
+    def read(worker):
+        for round in range(10):
+            if (worker + round) % 2:
+                results[worker, round] = kvtprofile.summary(log) == expected_summary
+            else:
+                output = tmp_path / f"trace-{worker}.json"
+                results[worker, round] = kvtprofile.trace(log, output) == expected_trace
+
+    workers = [threading.Thread(target=read, args=(worker,)) for worker in range(4)]
+    for worker in workers:
+        worker.start()
+    for worker in workers:
+        worker.join()
+    assert len(results) == 40
+    assert all(results.values())
+
+
 def test_another_thread_runs_while_a_log_is_read(tmp_path, log_tool):
     # Each round of the other thread takes the GIL anew; a read that held it would allow only
     # the rounds at its start and end. Every execution is skipped, so the call is all reading.

@@ -47,7 +47,7 @@ ReportContext contextOf(const EventModel& model, const LogHeaderDetails& header)
 bool writeOutputsOf(const std::string& csvPath, const EventModel& model,
                     const LogHeaderDetails& header = {}) {
   CsvExecutionSpill noExecutions(writeBackendCsvRows);
-  return writeCsvOutputs(csvPath, contextOf(model, header), noExecutions);
+  return writeCsvOutputs(csvPath, contextOf(model, header), noExecutions, std::cout);
 }
 
 std::string csvLogOf(const EventModel& model) {

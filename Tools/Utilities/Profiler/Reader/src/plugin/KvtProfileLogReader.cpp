@@ -28,7 +28,7 @@ KvtProfileLogReader::KvtProfileLogReader(const std::string& logPath,
 
 KvtProfileLogReader::KvtProfileLogReader(const std::string& logPath,
                                          VisibilityLevel visibilityLevel, WithoutCsvLog)
-    : visibilityLevel(visibilityLevel), logPath(logPath) {
+    : visibilityLevel(visibilityLevel), logPath(logPath), printed(&std::cout) {
   addExecutionConsumer([this](const DispatchedExecution& execution) {
     foldIntoRunningAverage(model.runningExecutions, execution);
   });
@@ -37,7 +37,7 @@ KvtProfileLogReader::KvtProfileLogReader(const std::string& logPath,
 KvtProfileLogReader::~KvtProfileLogReader() = default;
 
 bool KvtProfileLogReader::writeOutputs(const std::string& outputPath) {
-  return writeCsvOutputs(outputPath, reportContext(), *csvExecutionRows);
+  return writeCsvOutputs(outputPath, reportContext(), *csvExecutionRows, *printed);
 }
 
 std::string KvtProfileLogReader::printHeaderDetails() {
@@ -67,7 +67,7 @@ bool KvtProfileLogReader::parseLog(bool extendedBackendReport) {
   std::ostringstream warnings;
   warnings << std::fixed << std::setprecision(0);
   computeDerivedValues(model, warnings);
-  std::cout << warnings.str() << std::flush;
+  *printed << warnings.str() << std::flush;
   return true;
 }
 

@@ -26,8 +26,8 @@ public:
 
   // The virtual operations, in their fixed slot order.
 
-  // Writes the CSV event log to outputPath (none when empty) and prints the full summary on the
-  // standard output; false, printing nothing, when the file cannot be opened.
+  // Writes the CSV event log to outputPath (none when empty) and prints the full summary; false,
+  // printing nothing, when the file cannot be opened.
   bool writeOutputs(const std::string& outputPath) override;
   ~KvtProfileLogReader() override;
   std::string printHeaderDetails() override;
@@ -42,6 +42,11 @@ public:
   // Appends the back-end rows of one method occurrence to the CSV event log.
   virtual void writeBackendCsvRows(std::ostream& out, const EventList& events,
                                    uint64_t messageTimestamp, const std::string& methodName);
+
+  // Where parseLog and writeOutputs print from now on: the process's standard output unless
+  // told otherwise. Not a virtual operation, so the interface's slots stay as they are; out must
+  // outlive the reader's printing.
+  void printTo(std::ostream& out) { printed = &out; }
 
   // Hands every execution of later parses to consumer too, after the reader's own consumers.
   void addExecutionConsumer(ExecutionConsumer consumer);
@@ -66,6 +71,7 @@ protected:
   bool extendedBackendReport = false;
   ExecutionConsumers executionConsumers;
   std::optional<CsvExecutionSpill> csvExecutionRows; // absent without the CSV event log
+  std::ostream* printed;                             // never null; the standard output by default
 
 private:
   void saveHeader();

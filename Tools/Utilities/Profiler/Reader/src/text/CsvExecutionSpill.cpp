@@ -21,6 +21,9 @@
 namespace kvt::profiling {
 namespace {
 
+using text_internal::graphIdentifier;
+using text_internal::writeExecutionRows;
+
 constexpr size_t copyBlockBytes = size_t(1) << 20;   // read back in blocks of this size
 constexpr unsigned rowLevels = 2;                    // the rows show events and their sub-events
 constexpr size_t spillBufferBytes = size_t(1) << 16; // fewer, larger writes than stdio's default

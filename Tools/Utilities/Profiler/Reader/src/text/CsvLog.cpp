@@ -8,11 +8,12 @@
 
 #include <fstream>
 #include <iomanip>
-#include <iostream>
 #include <sstream>
 
 namespace kvt::profiling {
 namespace {
+
+using namespace text_internal; // the rows of the event log
 
 void writeFullSummary(std::ostream& out, const ReportContext& context) {
   out << std::fixed << std::setprecision(0);
@@ -44,7 +45,7 @@ bool writeCsvLog(std::ostream& out, const ReportContext& context,
 } // namespace
 
 bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context,
-                     CsvExecutionSpill& executionRows) {
+                     CsvExecutionSpill& executionRows, std::ostream& summaryOut) {
   std::ofstream csv;
   if (!csvPath.empty()) {
     // A log whose rows could not all be kept gets no event log at all, not one with gaps.
@@ -67,7 +68,7 @@ bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context,
                csvPath.c_str());
     return false;
   }
-  std::cout << summary.str() << std::flush;
+  summaryOut << summary.str() << std::flush;
   return true;
 }
 

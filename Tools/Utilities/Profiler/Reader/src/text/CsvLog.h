@@ -11,11 +11,11 @@
 namespace kvt::profiling {
 
 // Writes the CSV event log to csvPath (none when it is empty), its EXECUTE rows taken from
-// executionRows, then prints the full summary on the standard output in one piece. False,
+// executionRows, then prints the full summary to summaryOut in one piece. False,
 // printing nothing, when the file cannot be opened ("Invalid output csvfile: [%s]") or the
 // execution rows could not be kept (the spill's failure text); both at the error level.
 bool writeCsvOutputs(const std::string& csvPath, const ReportContext& context,
-                     CsvExecutionSpill& executionRows);
+                     CsvExecutionSpill& executionRows, std::ostream& summaryOut);
 
 // The base back-end rows of one method occurrence: a ROOT row per event and a SUB-EVENT row per
 // direct sub-event, each with the method's timestamp and name; OBJECT events get no row.

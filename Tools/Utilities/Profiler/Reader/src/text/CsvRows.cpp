@@ -35,6 +35,8 @@ void writeBackendRow(std::ostream& out, uint64_t messageTimestamp, const std::st
 
 } // namespace
 
+namespace text_internal {
+
 std::string graphIdentifier(size_t graphNumber, std::string_view graphName) {
   return "Graph " + std::to_string(graphNumber) + ": " + std::string(graphName);
 }
@@ -101,6 +103,8 @@ void writeDlopenLatencyRow(std::ostream& out, const ReportContext& context) {
   if (const std::optional<uint64_t> latencyUs = backendLatencyUs(libLoad))
     writeDurationRow(out, libLoad.timestamp, "DLOPEN LATENCY", *latencyUs, "null");
 }
+
+} // namespace text_internal
 
 void writeBackendCsvRows(std::ostream& out, const EventList& events, uint64_t messageTimestamp,
                          const std::string& methodName) {

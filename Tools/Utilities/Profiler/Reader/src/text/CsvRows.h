@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace kvt::profiling {
+namespace kvt::profiling::text_internal {
 
 // "kvt-profile-viewer version, v3...", then the net-run and back-end versions of the header.
 void writeVersionLines(std::ostream& out, const LogHeaderDetails& header);
@@ -38,4 +38,4 @@ void writeExecuteIpsRow(std::ostream& out, const ReportContext& context);
 // "500,DLOPEN LATENCY,3120,US,NETRUN,ROOT,null"; nothing when the record has no latency.
 void writeDlopenLatencyRow(std::ostream& out, const ReportContext& context);
 
-} // namespace kvt::profiling
+} // namespace kvt::profiling::text_internal

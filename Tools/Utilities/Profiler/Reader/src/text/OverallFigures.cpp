@@ -1,7 +1,7 @@
 // The overall-execution rate and the library-load latency.
 #include "OverallFigures.h"
 
-namespace kvt::profiling {
+namespace kvt::profiling::text_internal {
 
 std::optional<float> inferencesPerSecond(const RunLevelSlot& executeOverall) {
   const EventList& events = executeOverall.events;
@@ -22,4 +22,4 @@ std::optional<uint64_t> backendLatencyUs(const RunLevelSlot& libLoad) {
   return libLoad.events.front().value.payload;
 }
 
-} // namespace kvt::profiling
+} // namespace kvt::profiling::text_internal

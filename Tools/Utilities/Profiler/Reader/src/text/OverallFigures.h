@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace kvt::profiling {
+namespace kvt::profiling::text_internal {
 
 // Inferences per second from the first two events: the one named "duration" (else the second)
 // is the total duration D, the other the inference count N; N * 1e6 / D in single precision,
@@ -19,4 +19,4 @@ std::optional<float> inferencesPerSecond(const RunLevelSlot& executeOverall);
 // record is absent or has no event.
 std::optional<uint64_t> backendLatencyUs(const RunLevelSlot& libLoad);
 
-} // namespace kvt::profiling
+} // namespace kvt::profiling::text_internal

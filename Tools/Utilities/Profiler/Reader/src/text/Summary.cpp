@@ -11,6 +11,9 @@ namespace kvt::profiling {
 
 namespace {
 
+using text_internal::backendLatencyUs;
+using text_internal::inferencesPerSecond;
+
 constexpr const char* indent = "    ";
 
 // A line of width "-" characters; the fill goes back to a blank for whatever follows.

@@ -9,7 +9,6 @@
 
 #include <fstream>
 #include <iomanip>
-#include <iostream>
 #include <sstream>
 
 namespace kvt::profiling {
@@ -42,7 +41,7 @@ bool KvtProfileLogReaderChrometrace::writeOutputs(const std::string& outputPath)
   // leaves the file empty and prints nothing, a full disk leaves part of the trace.
   if (!writeTraceJson(model.averageExecutionByGraph, file))
     return false;
-  std::cout << statistics.str() << std::flush;
+  *printed << statistics.str() << std::flush;
   return true;
 }
 

@@ -13,7 +13,7 @@
 namespace kvt::profiling {
 
 // Points into the run.
-struct SeriesFigures {
+struct SeriesFigureRow {
   std::string_view graph;
   SeriesRef series;
   SeriesSummary summary;
@@ -21,6 +21,6 @@ struct SeriesFigures {
 };
 
 // Every graph's series in listSeries order, graph after graph.
-std::vector<SeriesFigures> listSeriesFigures(const RunStatistics& run);
+std::vector<SeriesFigureRow> listSeriesFigureRows(const RunStatistics& run);
 
 } // namespace kvt::profiling
