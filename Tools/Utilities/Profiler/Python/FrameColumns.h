@@ -21,11 +21,18 @@ namespace py = pybind11;
 // keeps the bytes of file names), so that no identifier makes a read fail.
 py::str decodeText(std::string_view text);
 
-// A categorical of codes into categories; code -1 is a missing value.
-py::object makeCategorical(py::array codes, const std::vector<std::string>& categories);
+// A categorical of codes into categories; code -1 is a missing value. An ordered one compares
+// and sorts in the order of its categories.
+py::object makeCategorical(py::array codes, const std::vector<std::string>& categories,
+                           bool ordered = false);
 
-// A UInt64 column (pandas' nullable integers) of values, none where missing is true.
-py::object makeNullableIntegers(py::array_t<uint64_t> values, py::array_t<bool> missing);
+// An Int64 column (pandas' nullable integers) of values, none where missing is true.
+py::object makeNullableIntegers(py::array_t<int64_t> values, py::array_t<bool> missing);
+
+// Raises OverflowError "WHAT VALUE WHERE exceeds 2^63 - 1, ..." when value does not fit the
+// int64 columns of a frame. Example: "the largest value 18446744073709551615 in run.log, graph
+// model, span Conv under execute, occurrence 0 exceeds 2^63 - 1, ...".
+void requireInt64(uint64_t value, const std::string& what, const std::string& where);
 
 // A categorical of text(row) over rows, categories in order of first appearance; text returns
 // an optional string_view, none for a missing value.
@@ -67,16 +74,16 @@ py::array_t<double> optionalDoubleColumn(const std::vector<Row>& rows, Number nu
   });
 }
 
-// A UInt64 column, missing where number(row) gives none.
+// An Int64 column, missing where number(row) gives none; every figure must fit (requireInt64).
 template <typename Row, typename Number>
 py::object optionalIntegerColumn(const std::vector<Row>& rows, Number number) {
-  py::array_t<uint64_t> values(py::ssize_t(rows.size()));
+  py::array_t<int64_t> values(py::ssize_t(rows.size()));
   py::array_t<bool> missing(py::ssize_t(rows.size()));
-  uint64_t* value = values.mutable_data();
+  int64_t* value = values.mutable_data();
   bool* absent = missing.mutable_data();
   for (const Row& row : rows) {
     const std::optional<uint64_t> figure = number(row);
-    *value++ = figure.value_or(0);
+    *value++ = int64_t(figure.value_or(0));
     *absent++ = !figure;
   }
   return makeNullableIntegers(values, missing);

@@ -15,7 +15,7 @@ namespace kvt::profiling {
 
 namespace {
 
-constexpr int seriesKinds = 5; // SeriesKind's values, duration to wait
+constexpr int verdictCount = 6; // Verdict's values, slower to removed
 
 // The chunks of a column come from the heap once the reader's buffers have raised the C library's
 // threshold for mapping large blocks, and freeing them would not shrink the process: the table
@@ -48,21 +48,57 @@ py::object categoricalColumn(ChunkedColumn<Value>& codes, const std::vector<std:
   return makeCategorical(moveColumn<int32_t>(codes), names);
 }
 
+// Every kind is a category of every frame's series column, present or not.
+std::vector<std::string> listSeriesKinds() {
+  std::vector<std::string> kinds;
+  for (int kind = 0; kind < seriesKindCount; ++kind)
+    kinds.emplace_back(seriesKindName(SeriesKind(kind)));
+  return kinds;
+}
+
+template <typename Row, typename Kind>
+py::object seriesColumn(const std::vector<Row>& rows, Kind kind) {
+  return makeCategorical(numberColumn<int8_t>(rows, kind), listSeriesKinds());
+}
+
 py::object occurrenceColumn(ChunkedColumn<uint64_t>& occurrence) {
-  py::array_t<uint64_t> values = moveColumn<uint64_t>(occurrence);
+  py::array_t<int64_t> values = moveColumn<int64_t>(occurrence);
   py::array_t<bool> missing(values.size());
-  uint64_t* value = values.mutable_data();
+  int64_t* value = values.mutable_data();
   bool* absent = missing.mutable_data();
   const py::ssize_t rows = values.size();
   {
     const py::gil_scoped_release released;
     for (py::ssize_t i = 0; i < rows; ++i) {
-      absent[i] = value[i] == ExecutionColumns::noOccurrence;
+      absent[i] = value[i] == int64_t(ExecutionColumns::noOccurrence);
       if (absent[i])
         value[i] = 0;
     }
   }
   return makeNullableIntegers(values, missing);
+}
+
+// The log column: each log's code repeated over its rows.
+py::object logColumn(const std::vector<size_t>& rowsByLog, const std::vector<std::string>& logs) {
+  size_t rows = 0;
+  for (const size_t count : rowsByLog)
+    rows += count;
+  py::array_t<int32_t> codes(py::ssize_t(rows), nullptr);
+  int32_t* code = codes.mutable_data();
+  for (size_t log = 0; log < rowsByLog.size(); ++log)
+    code = std::fill_n(code, rowsByLog[log], int32_t(log));
+  return makeCategorical(codes, logs);
+}
+
+// "in LOG, graph G, span Conv under execute, occurrence 0": where a series is, for messages.
+std::string describePlace(const std::string& log, const SeriesKey& key) {
+  std::string place = "in " + log + ", graph " + key.graph + ", " +
+                      std::string(seriesKindName(key.kind)) + " " + key.name;
+  if (key.parent)
+    place += " under " + *key.parent;
+  if (key.occurrence)
+    place += ", occurrence " + std::to_string(*key.occurrence);
+  return place;
 }
 
 std::optional<uint64_t> figure(const SeriesFigureRow& row, uint64_t value) {
@@ -73,31 +109,45 @@ std::optional<double> figure(const SeriesFigureRow& row, double value) {
   return row.summary.count ? std::optional(value) : std::nullopt;
 }
 
-} // namespace
-
-py::object makeExecutionsFrame(ExecutionColumns& columns) {
-  std::vector<std::string> kinds;
-  for (int kind = 0; kind < seriesKinds; ++kind)
-    kinds.emplace_back(seriesKindName(SeriesKind(kind)));
-  // The order of the moves is that of the columns; each frees its chunks before the next.
-  py::object graph = categoricalColumn(columns.graph, columns.graphs);
-  py::object execution = moveColumn<int64_t>(columns.execution);
-  py::object series = categoricalColumn(columns.series, kinds);
-  py::object parent = categoricalColumn(columns.parent, columns.parents);
-  py::object name = categoricalColumn(columns.name, columns.names);
-  py::object occurrence = occurrenceColumn(columns.occurrence);
-  py::object value = moveColumn<uint64_t>(columns.value);
-  return makeFrame({{"graph", graph},
-                    {"execution", execution},
-                    {"series", series},
-                    {"parent", parent},
-                    {"name", name},
-                    {"occurrence", occurrence},
-                    {"value", value}});
+void requireInt64Figures(const SeriesFigureRow& row, const std::string& log) {
+  const std::string place = describePlace(log, makeSeriesKey(row.graph, row.series));
+  if (row.summary.count)
+    requireInt64(row.summary.max, "the largest value", place);
+  if (row.summary.first)
+    requireInt64(*row.summary.first, "the first value", place);
 }
 
-py::object makeStatsFrame(const RunStatistics& run) {
-  const std::vector<SeriesFigureRow> rows = listSeriesFigureRows(run);
+} // namespace
+
+py::object makeExecutionsFrame(ExecutionColumns& columns, const FrameLogs& logs) {
+  if (const std::optional<OversizedValue>& oversized = columns.firstOversized)
+    requireInt64(oversized->value, "the value",
+                 describePlace(logs.paths[oversized->log], oversized->series) + ", execution " +
+                     std::to_string(oversized->execution));
+  // The order of the moves is that of the columns; each frees its chunks before the next.
+  std::vector<std::pair<const char*, py::object>> frame;
+  frame.emplace_back("graph", categoricalColumn(columns.graph, columns.graphs));
+  frame.emplace_back("series", categoricalColumn(columns.series, listSeriesKinds()));
+  frame.emplace_back("name", categoricalColumn(columns.name, columns.names));
+  frame.emplace_back("parent", categoricalColumn(columns.parent, columns.parents));
+  frame.emplace_back("occurrence", occurrenceColumn(columns.occurrence));
+  frame.emplace_back("execution", moveColumn<int64_t>(columns.execution));
+  frame.emplace_back("value", moveColumn<int64_t>(columns.value));
+  if (logs.column)
+    frame.emplace_back("log", logColumn(columns.rowsByLog, logs.paths));
+  return makeFrame(frame);
+}
+
+py::object makeStatsFrame(const std::vector<RunStatistics>& runs, const FrameLogs& logs) {
+  std::vector<SeriesFigureRow> rows;
+  std::vector<size_t> rowsByLog;
+  for (size_t log = 0; log < runs.size(); ++log) {
+    const std::vector<SeriesFigureRow> runRows = listSeriesFigureRows(runs[log]);
+    for (const SeriesFigureRow& row : runRows)
+      requireInt64Figures(row, logs.paths[log]);
+    rows.insert(rows.end(), runRows.begin(), runRows.end());
+    rowsByLog.push_back(runRows.size());
+  }
   using Row = SeriesFigureRow;
   auto integer = [](uint64_t SeriesSummary::*field) {
     return [field](const Row& row) { return figure(row, row.summary.*field); };
@@ -105,29 +155,35 @@ py::object makeStatsFrame(const RunStatistics& run) {
   auto decimal = [](double SeriesSummary::*field) {
     return [field](const Row& row) { return figure(row, row.summary.*field); };
   };
-  return makeFrame(
-      {{"graph", textColumn(rows, [](const Row& row) { return std::optional(row.graph); })},
-       {"series",
-        textColumn(rows,
-                   [](const Row& row) { return std::optional(seriesKindName(row.series.kind)); })},
-       {"name", textColumn(rows, [](const Row& row) { return std::optional(row.series.name); })},
-       {"parent", textColumn(rows, [](const Row& row) { return row.series.parent; })},
-       {"occurrence",
-        optionalIntegerColumn(rows, [](const Row& row) { return row.series.occurrence; })},
-       {"count", numberColumn<int64_t>(rows, [](const Row& row) { return row.summary.count; })},
-       {"mean", optionalDoubleColumn(rows, decimal(&SeriesSummary::mean))},
-       {"stddev", optionalDoubleColumn(rows, decimal(&SeriesSummary::stddev))},
-       {"min", optionalIntegerColumn(rows, integer(&SeriesSummary::min))},
-       {"p50", optionalIntegerColumn(rows, integer(&SeriesSummary::p50))},
-       {"p90", optionalIntegerColumn(rows, integer(&SeriesSummary::p90))},
-       {"p99", optionalIntegerColumn(rows, integer(&SeriesSummary::p99))},
-       {"max", optionalIntegerColumn(rows, integer(&SeriesSummary::max))},
-       {"first", optionalIntegerColumn(rows, [](const Row& row) { return row.summary.first; })},
-       {"share", optionalDoubleColumn(rows, [](const Row& row) { return row.share; })}});
+  std::vector<std::pair<const char*, py::object>> frame{
+      {"graph", textColumn(rows, [](const Row& row) { return std::optional(row.graph); })},
+      {"series", seriesColumn(rows, [](const Row& row) { return row.series.kind; })},
+      {"name", textColumn(rows, [](const Row& row) { return std::optional(row.series.name); })},
+      {"parent", textColumn(rows, [](const Row& row) { return row.series.parent; })},
+      {"occurrence",
+       optionalIntegerColumn(rows, [](const Row& row) { return row.series.occurrence; })},
+      {"count", numberColumn<int64_t>(rows, [](const Row& row) { return row.summary.count; })},
+      {"mean", optionalDoubleColumn(rows, decimal(&SeriesSummary::mean))},
+      {"stddev", optionalDoubleColumn(rows, decimal(&SeriesSummary::stddev))},
+      {"min", optionalIntegerColumn(rows, integer(&SeriesSummary::min))},
+      {"p50", optionalIntegerColumn(rows, integer(&SeriesSummary::p50))},
+      {"p90", optionalIntegerColumn(rows, integer(&SeriesSummary::p90))},
+      {"p99", optionalIntegerColumn(rows, integer(&SeriesSummary::p99))},
+      {"max", optionalIntegerColumn(rows, integer(&SeriesSummary::max))},
+      {"first", optionalIntegerColumn(rows, [](const Row& row) { return row.summary.first; })},
+      {"share", optionalDoubleColumn(rows, [](const Row& row) { return row.share; })}};
+  if (logs.column)
+    frame.emplace_back("log", logColumn(rowsByLog, logs.paths));
+  return makeFrame(frame);
 }
 
 py::object makeComparisonFrame(const Comparison& comparison) {
   const std::vector<ComparisonRow>& rows = comparison.rows;
+  for (const ComparisonRow& row : rows) {
+    const SeriesKey key{row.graph, row.kind, row.name, row.parent, row.occurrence};
+    requireInt64(row.base.p50.value_or(0), "the median", describePlace("base", key));
+    requireInt64(row.next.p50.value_or(0), "the median", describePlace("new", key));
+  }
   using Row = ComparisonRow;
   auto interval = [](double Interval::*end) {
     return [end](const Row& row) -> std::optional<double> {
@@ -136,12 +192,14 @@ py::object makeComparisonFrame(const Comparison& comparison) {
       return (*row.change->interval).*end;
     };
   };
+  std::vector<std::string> verdicts;
+  for (int verdict = 0; verdict < verdictCount; ++verdict)
+    verdicts.emplace_back(verdictName(Verdict(verdict)));
   return makeFrame(
       {{"graph",
         textColumn(rows,
                    [](const Row& row) { return std::optional<std::string_view>(row.graph); })},
-       {"series",
-        textColumn(rows, [](const Row& row) { return std::optional(seriesKindName(row.kind)); })},
+       {"series", seriesColumn(rows, [](const Row& row) { return row.kind; })},
        {"name",
         textColumn(rows, [](const Row& row) { return std::optional<std::string_view>(row.name); })},
        {"parent",
@@ -157,19 +215,20 @@ py::object makeComparisonFrame(const Comparison& comparison) {
                                         return row.shift ? std::optional(row.shift->units)
                                                          : std::nullopt;
                                       })},
-       {"changePercent", optionalDoubleColumn(rows,
-                                              [](const Row& row) {
-                                                return row.change
-                                                           ? std::optional(row.change->percent)
-                                                           : std::nullopt;
-                                              })},
+       {"change_percent", optionalDoubleColumn(rows,
+                                               [](const Row& row) {
+                                                 return row.change
+                                                            ? std::optional(row.change->percent)
+                                                            : std::nullopt;
+                                               })},
        {"interval_low", optionalDoubleColumn(rows, interval(&Interval::low))},
        {"interval_high", optionalDoubleColumn(rows, interval(&Interval::high))},
-       {"pValue", optionalDoubleColumn(rows, [](const Row& row) { return row.pValue; })},
-       {"pAdjusted", optionalDoubleColumn(rows, [](const Row& row) { return row.pAdjusted; })},
-       {"qValue", optionalDoubleColumn(rows, [](const Row& row) { return row.qValue; })},
-       {"verdict",
-        textColumn(rows, [](const Row& row) { return std::optional(verdictName(row.verdict)); })},
+       {"p_value", optionalDoubleColumn(rows, [](const Row& row) { return row.pValue; })},
+       {"p_adjusted", optionalDoubleColumn(rows, [](const Row& row) { return row.pAdjusted; })},
+       {"q_value", optionalDoubleColumn(rows, [](const Row& row) { return row.qValue; })},
+       {"verdict", makeCategorical(numberColumn<int8_t>(
+                                       rows, [](const Row& row) { return int8_t(row.verdict); }),
+                                   verdicts, true)},
        {"needed_base", optionalIntegerColumn(rows,
                                              [](const Row& row) {
                                                return row.needed ? std::optional(row.needed->base -
@@ -192,12 +251,12 @@ py::list describeGraphShifts(const Comparison& comparison) {
     py::dict shift;
     shift["name"] = decodeText(graph.name);
     shift["shift"] = orNone(graph.shift ? std::optional(graph.shift->units) : std::nullopt);
-    shift["changePercent"] =
+    shift["change_percent"] =
         orNone(graph.change ? std::optional(graph.change->percent) : std::nullopt);
     shift["interval_low"] = orNone(interval ? std::optional(interval->low) : std::nullopt);
     shift["interval_high"] = orNone(interval ? std::optional(interval->high) : std::nullopt);
     shift["ratio"] = graph.ratio;
-    shift["stepSeries"] = graph.stepSeries;
+    shift["step_series"] = graph.stepSeries;
     graphs.append(shift);
   }
   return graphs;

@@ -1,5 +1,6 @@
 // The kvtprofile module: each function checks its arguments, reads with the GIL released through
 // the analysis library or the reader, and hands back what it read as pandas or text.
+#include "Arguments.h"
 #include "FrameColumns.h"
 #include "Frames.h"
 #include "ReaderFailure.h"
@@ -11,6 +12,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl/filesystem.h>
 
+#include <filesystem>
 #include <sstream>
 
 namespace kvt::profiling {
@@ -21,43 +23,73 @@ using Path = std::filesystem::path;
 
 constexpr const char* logUnit = "us"; // the unit the reader shows a log's values in
 
-VisibilityLevel readVisibility(int64_t visibility) {
+VisibilityLevel readVisibility(const IntegerArgument& argument) {
+  const int64_t visibility = readInteger(argument.value, "visibility");
   if (visibility < -128 || visibility > 127)
     throw py::value_error("visibility must be from -128 to 127, not " + std::to_string(visibility));
   return VisibilityLevel(visibility);
 }
 
-uint64_t readSkipFirst(int64_t skipFirst) {
+uint64_t readSkipFirst(const IntegerArgument& argument) {
+  const int64_t skipFirst = readInteger(argument.value, "skip_first");
   if (skipFirst < 0)
     throw py::value_error("skip_first must be 0 or more, not " + std::to_string(skipFirst));
   return uint64_t(skipFirst);
 }
 
-py::dict describeRead(const Path& path, uint64_t skipFirst, VisibilityLevel visibility) {
+FrameLogs describeLogs(const LogPaths& logs) {
+  FrameLogs frameLogs{{}, logs.list};
+  for (const Path& path : logs.paths)
+    frameLogs.paths.push_back(path.string());
+  return frameLogs;
+}
+
+// log is the path, or the list of paths when several were asked for.
+py::dict describeRead(const FrameLogs& logs, uint64_t skipFirst, VisibilityLevel visibility) {
   py::dict attrs;
-  attrs["log"] = decodeText(path.string());
+  py::list paths;
+  for (const std::string& path : logs.paths)
+    paths.append(decodeText(path));
+  attrs["log"] = logs.column ? py::object(paths) : py::object(paths[0]);
   attrs["unit"] = logUnit;
-  attrs["skipFirst"] = skipFirst;
+  attrs["skip_first"] = skipFirst;
   attrs["visibility"] = int(visibility);
   return attrs;
 }
 
-py::object readExecutions(const Path& path, int64_t visibility, int64_t skipFirst, bool partial) {
+// attrs["partial"]: the one log's, or a dict of each log's by its path.
+py::object describePartials(const FrameLogs& logs,
+                            const std::vector<std::optional<LogReadResult>>& partials) {
+  if (!logs.column)
+    return describePartial(partials.front());
+  py::dict described;
+  for (size_t log = 0; log < partials.size(); ++log)
+    described[decodeText(logs.paths[log])] = describePartial(partials[log]);
+  return described;
+}
+
+FrameResult readExecutions(const LogsArgument& path, const IntegerArgument& visibility,
+                           const IntegerArgument& skipFirst, const FlagArgument& partialArgument) {
+  const LogPaths logs = readLogPaths(path.value, "path");
   const ExecutionRowOptions options{readVisibility(visibility), readSkipFirst(skipFirst)};
-  requireExistingFile(path);
-  ExecutionColumns columns;
-  LogReadResult read;
-  {
+  const bool partial = readFlag(partialArgument.value, "partial");
+  ExecutionColumnBuilder builder;
+  std::vector<std::optional<LogReadResult>> partials;
+  for (const Path& log : logs.paths) {
+    requireExistingFile(log);
     const py::gil_scoped_release released;
     clearReaderMessages();
-    read = readExecutionColumns(path.string(), options, partial, columns);
+    const LogReadResult read = readExecutionColumns(log.string(), options, builder);
     requireStandingRead(read, partial);
+    partials.push_back(read.complete() ? std::nullopt : std::optional(read));
   }
-  py::object frame = makeExecutionsFrame(columns);
-  py::dict attrs = describeRead(path, options.skipFirst, options.visibilityLevel);
-  attrs["partial"] = describePartial(read.complete() ? std::nullopt : std::optional(read));
+  ExecutionColumns columns = std::move(builder).take();
+  const FrameLogs frameLogs = describeLogs(logs);
+  py::object frame = makeExecutionsFrame(columns, frameLogs);
+  py::dict attrs = describeRead(frameLogs, options.skipFirst, options.visibilityLevel);
+  attrs["partial"] = describePartials(frameLogs, partials);
   frame.attr("attrs") = attrs;
-  return frame;
+  return {frame};
 }
 
 RunStatistics readStatistics(const Path& path, const StatisticsOptions& options,
@@ -70,71 +102,95 @@ RunStatistics readStatistics(const Path& path, const StatisticsOptions& options,
   return run;
 }
 
-py::object readStats(const Path& path, int64_t skipFirst, int64_t visibility, bool partial) {
-  StatisticsOptions options;
-  options.skipFirst = readSkipFirst(skipFirst);
-  options.visibilityLevel = readVisibility(visibility);
-  options.partial = partial;
-  const RunStatistics run = readStatistics(path, options);
-  py::object frame = makeStatsFrame(run);
-  py::dict attrs = describeRead(path, options.skipFirst, options.visibilityLevel);
+py::dict countExecutions(const RunStatistics& run) {
   py::dict executions;
   for (const GraphStatistics& graph : run.graphs)
     executions[decodeText(graph.name)] = graph.executions - graph.skipped;
-  attrs["executions"] = executions;
-  attrs["partial"] = describePartial(run.partial);
+  return executions;
+}
+
+FrameResult readStats(const LogsArgument& path, const IntegerArgument& skipFirst,
+                      const IntegerArgument& visibility, const FlagArgument& partial) {
+  const LogPaths logs = readLogPaths(path.value, "path");
+  StatisticsOptions options;
+  options.skipFirst = readSkipFirst(skipFirst);
+  options.visibilityLevel = readVisibility(visibility);
+  options.partial = readFlag(partial.value, "partial");
+  std::vector<RunStatistics> runs;
+  std::vector<std::optional<LogReadResult>> partials;
+  for (const Path& log : logs.paths) {
+    runs.push_back(readStatistics(log, options));
+    partials.push_back(runs.back().partial);
+  }
+  const FrameLogs frameLogs = describeLogs(logs);
+  py::object frame = makeStatsFrame(runs, frameLogs);
+  py::dict attrs = describeRead(frameLogs, options.skipFirst, options.visibilityLevel);
+  if (logs.list) {
+    py::dict executions;
+    for (size_t log = 0; log < runs.size(); ++log)
+      executions[decodeText(frameLogs.paths[log])] = countExecutions(runs[log]);
+    attrs["executions"] = executions;
+  } else {
+    attrs["executions"] = countExecutions(runs.front());
+  }
+  attrs["partial"] = describePartials(frameLogs, partials);
   frame.attr("attrs") = attrs;
-  return frame;
+  return {frame};
 }
 
-// The rules of the command line's options, with its words.
-ComparisonOptions readComparisonOptions(double alpha, double threshold, double minChange,
-                                        bool relative) {
-  auto refuse = [](const std::string& name, const std::string& what, double value) {
-    throw py::value_error(name + " needs " + what + ", not " +
-                          py::repr(py::float_(value)).cast<std::string>());
-  };
-  if (!(alpha > 0 && alpha < 0.5))
-    refuse("alpha", "a probability above 0 and below 0.5", alpha);
-  if (!(threshold >= 0))
-    refuse("threshold", "a percentage of 0 or more", threshold);
-  if (!(minChange >= 0))
-    refuse("min_change", "a number of units of 0 or more", minChange);
-  return ComparisonOptions{alpha, threshold, minChange, relative};
+// The comparison's own check of its options, in the module's words.
+ComparisonOptions readComparisonOptions(const NumberArgument& alpha,
+                                        const NumberArgument& threshold,
+                                        const NumberArgument& minChange,
+                                        const FlagArgument& relative) {
+  const ComparisonOptions options{
+      readNumber(alpha.value, "alpha"), readNumber(threshold.value, "threshold"),
+      readNumber(minChange.value, "min_change"), readFlag(relative.value, "relative")};
+  if (const std::optional<ComparisonOption> refused = findOptionOutOfRange(options)) {
+    const char* names[] = {"alpha", "threshold", "min_change"}; // by ComparisonOption
+    throw py::value_error(std::string(names[int(*refused)]) + " needs " +
+                          std::string(describeRange(*refused)) + ", not " +
+                          py::repr(py::float_(readOption(options, *refused))).cast<std::string>());
+  }
+  return options;
 }
 
-py::object readComparison(const Path& basePath, const Path& newPath, double alpha, double threshold,
-                          double minChange, bool relative, int64_t skipFirst, bool partial) {
+FrameResult readComparison(const PathArgument& basePath, const PathArgument& newPath,
+                           const NumberArgument& alpha, const NumberArgument& threshold,
+                           const NumberArgument& minChange, const FlagArgument& relative,
+                           const IntegerArgument& skipFirst, const FlagArgument& partial) {
+  const Path base = readPath(basePath.value, "base");
+  const Path next = readPath(newPath.value, "new");
   const ComparisonOptions comparisonOptions =
       readComparisonOptions(alpha, threshold, minChange, relative);
   StatisticsOptions options;
   options.skipFirst = readSkipFirst(skipFirst);
-  options.partial = partial;
-  const RunStatistics base = readStatistics(basePath, options, "base log");
-  const RunStatistics next = readStatistics(newPath, options, "new log");
+  options.partial = readFlag(partial.value, "partial");
+  const RunStatistics baseRun = readStatistics(base, options, "base log");
+  const RunStatistics nextRun = readStatistics(next, options, "new log");
   Comparison comparison;
   {
     const py::gil_scoped_release released;
-    comparison = compareRuns(base, next, comparisonOptions);
+    comparison = compareRuns(baseRun, nextRun, comparisonOptions);
   }
   py::object frame = makeComparisonFrame(comparison);
   py::dict attrs;
-  attrs["base"] = decodeText(basePath.string());
-  attrs["new"] = decodeText(newPath.string());
+  attrs["base"] = decodeText(base.string());
+  attrs["new"] = decodeText(next.string());
   attrs["unit"] = logUnit;
-  attrs["alpha"] = alpha;
-  attrs["threshold"] = threshold;
-  attrs["minChange"] = minChange;
-  attrs["relative"] = relative;
-  attrs["skipFirst"] = options.skipFirst;
+  attrs["alpha"] = comparisonOptions.alpha;
+  attrs["threshold"] = comparisonOptions.thresholdPercent;
+  attrs["min_change"] = comparisonOptions.minChangeUnits;
+  attrs["relative"] = comparisonOptions.relative;
+  attrs["skip_first"] = options.skipFirst;
   attrs["graphs"] = describeGraphShifts(comparison);
   attrs["totals"] = describeTotals(comparison.totals);
   py::dict partials;
-  partials["base"] = describePartial(base.partial);
-  partials["new"] = describePartial(next.partial);
+  partials["base"] = describePartial(baseRun.partial);
+  partials["new"] = describePartial(nextRun.partial);
   attrs["partial"] = partials;
   frame.attr("attrs") = attrs;
-  return frame;
+  return {frame};
 }
 
 // What the reader prints, as the viewer shows it, goes to this call's own stream: calls on other
@@ -172,29 +228,40 @@ PYBIND11_MODULE(kvtprofile, module) {
              py::arg("visibility") = 127, py::arg("skip_first") = 0, py::arg("partial") = false,
              R"(Every execution's values as one long table, a row per value.
 
-Rows come graph by graph in log order, each execution's as the statistics walk it: its
-duration, its queue wait when it had exactly one, then each top-level back-end record followed
-by the span and (where it has one) the wait of each of its steps.
+path is a log, or a list (any iterable) of logs, read into one frame in the given order.
+Rows come execution by execution in log order, each execution's as the statistics walk it: its
+duration, its queue wait when it had exactly one queue-wait event, then each top-level back-end
+record (not that queue wait) followed by the span and (where it has one) the wait of each of
+its steps. Each value is in exactly one series.
 
 Columns:
   graph       category: the graph's name
-  execution   int64: the execution's index within its graph, from 0 (skipped ones count)
-  series      category: "duration", "queueWait", "backend", "span" or "wait"
-  parent      category: the top-level record a step runs under; missing but for span, wait
+  series      category: "duration", "queueWait", "backend", "span" or "wait" (all five are
+              categories)
   name        category: the record's or step's identifier; the series for duration, queueWait
-  occurrence  UInt64: the k-th record of that name (under that parent) in one execution, from 0;
+  parent      category: the top-level record a step runs under; missing but for span, wait
+  occurrence  Int64: the k-th record of that name (under that parent) in one execution, from 0;
               missing for duration and queueWait
-  value       uint64: in the log's unit
+  execution   int64: the execution's index within its graph, from 0 (skipped ones count)
+  value       int64: in the log's unit
+  log         category: the log's path as given; only when path is a list, whose logs share
+              the categories of every column (no pd.concat needed)
 
-attrs: log, unit ("us"), skipFirst, visibility, partial.
+attrs: log (the path, or the list of paths), unit ("us"), skip_first, visibility, partial.
 
 visibility keeps messages whose level is below it (-128 to 127); skip_first leaves each graph's
-first executions out. Raises LogError when the log is refused: its first line names the file and
-what is wrong where ("run.log: chunk 15 at offset 4809716 is cut short: ..."), the reader's own
-messages follow. partial=True instead reads a cut or damaged log up to its first bad chunk:
-attrs["partial"] is then {"chunksRead", "bytesRead", "reason"} and a RuntimeWarning says what was
-dropped (None when the log was whole). A path that is no log still raises. FileNotFoundError when
-there is no file. The GIL is released while reading.
+first executions out. Whole numbers are signed, so differences keep their sign; a value above
+2^63 - 1 (no real time: 292,000 years of microseconds) raises OverflowError naming the log,
+series, execution and value rather than wrapping.
+
+Raises LogError when a log is refused: its first line names the file and what is wrong where
+("run.log: chunk 15 at offset 4809716 is cut short: ..."), the reader's own messages follow.
+partial=True instead reads a cut or damaged log up to its first bad chunk: attrs["partial"] is
+then {"chunks_read", "bytes_read", "reason"} and a RuntimeWarning says what was dropped (None
+when the log was whole; for a list, a dict of each log's by its path). A path that is no log
+still raises. FileNotFoundError when there is no file, TypeError naming the argument when one is
+of the wrong type, ValueError when one is out of range or a list is empty or names a log twice.
+The GIL is released while reading.
 
 Example: the p99 of each step's span, slowest first:
   df = kvtprofile.executions("run.log", skip_first=1)
@@ -206,46 +273,60 @@ Example: the p99 of each step's span, slowest first:
              py::arg("visibility") = 127, py::arg("partial") = false,
              R"(Each series' figures, a row per series, as `kvt-profile-log stats` gives them.
 
-Columns: graph, series, name, parent, occurrence (the series' key, as in executions()), count
-(values counted), mean, stddev (population), min, p50, p90, p99 (nearest rank: the value at
-rank ceil(p/100 x n)), max, first (the value of the graph's very first execution, even when
-skipped) and share (span rows: the step's mean span in percent of the sum of all steps' mean
-spans). Figures but count and first are missing when count is 0. The queue wait is a series
-only when every counted execution had exactly one.
+path is a log or a list of logs, as for executions(). Columns: graph, series, name, parent,
+occurrence (the series' key, as in executions()), count (values counted), mean, stddev
+(population), min, p50, p90, p99 (nearest rank: the value at rank ceil(p/100 x n)), max, first
+(the value of the graph's very first execution, even when skipped) and share (span rows: the
+step's mean span in percent of the sum of all steps' mean spans), then log for a list. Whole
+figures are Int64, missing where JSON has null; figures but count and first are missing when
+count is 0. Grouping executions() by the key gives the same figures. The queue wait is a series
+when some execution had exactly one (count says how many).
 
-attrs: log, unit, skipFirst, visibility, executions (counted, by graph), partial.
-partial, LogError, FileNotFoundError, ValueError as in executions().)");
+attrs: log, unit, skip_first, visibility, executions (counted, by graph; for a list, by log and
+then by graph), partial.
+partial, LogError, FileNotFoundError, OverflowError, TypeError and ValueError as in
+executions().)");
 
+  const ComparisonOptions defaults;
   module.def("compare", &readComparison, py::arg("base"), py::arg("new"), py::kw_only(),
-             py::arg("alpha") = 0.01, py::arg("threshold") = 5.0, py::arg("min_change") = 0.0,
-             py::arg("relative") = false, py::arg("skip_first") = 0, py::arg("partial") = false,
+             py::arg("alpha") = defaults.alpha, py::arg("threshold") = defaults.thresholdPercent,
+             py::arg("min_change") = defaults.minChangeUnits,
+             py::arg("relative") = defaults.relative, py::arg("skip_first") = 0,
+             py::arg("partial") = false,
              R"(Which series got slower or faster between two runs, as `kvt-profile-log compare`
 judges them, a row per series (base graphs and series in their order, then what new adds).
 
-Columns, those of `compare --format json` with its nested values flat:
+Columns, those of `compare --format json` with its nested values flat and in snake_case:
   graph, series, name, parent, occurrence   the series' key, as in executions()
   base_count, base_p50, new_count, new_p50  each run's counted values and median ("base" and
-                                            "new" in JSON)
-  shift          the Hodges-Lehmann shift, new - base, in the log's unit
-  changePercent  the shift in percent of the base median
+                                            "new" in JSON; int64, the medians Int64)
+  shift           the Hodges-Lehmann shift, new - base, in the log's unit
+  change_percent  the shift in percent of the base median
   interval_low, interval_high  its (1 - 2 alpha) interval, in percent ("interval" in JSON)
-  pValue, pAdjusted (Holm), qValue (Benjamini-Hochberg)
-  verdict        "slower", "faster", "same", "unsure", "added" or "removed"
+  p_value, p_adjusted (Holm), q_value (Benjamini-Hochberg)
+  verdict         ordered category of all six verdicts: slower < faster < same < unsure <
+                  added < removed
   needed_base, needed_new  unsure rows: the executions each run needs beyond those it has
-                           before the row would decide
+                           before the row would decide (Int64)
 Missing where JSON has null.
 
-attrs: base, new, unit, alpha, threshold, minChange, relative, skipFirst, graphs (each graph's
-run-wide shift: name, shift, changePercent, interval_low, interval_high, ratio) and totals
-(slower, faster, same, unsure, added, removed, tested), partial ({"base": ..., "new": ...},
-each as in executions()).
+attrs: base, new, unit, alpha, threshold, min_change, relative, skip_first, graphs (each
+graph's run-wide shift: name, shift, change_percent, interval_low, interval_high, ratio,
+step_series),
+totals (slower, faster, same, unsure, added, removed, tested) and partial ({"base": ...,
+"new": ...}, each as in executions()).
 
-alpha (above 0, below 0.5), threshold (percent), min_change (log units) and relative are the
-command's --alpha, --threshold, --min-change and --relative. Raises LogError as executions()
-does, its first line opened by "base log" or "new log"; FileNotFoundError and ValueError too.)");
+alpha (above 0, below 0.5), threshold (percent, 0 or more), min_change (log units, 0 or more)
+and relative are the command's --alpha, --threshold, --min-change and --relative, with its
+defaults and checks. Raises LogError as executions() does, its first line opened by "base log"
+or "new log"; FileNotFoundError, OverflowError (a median above 2^63 - 1), TypeError and
+ValueError too.)");
 
   module.def(
-      "summary", [](const Path& path) { return runReader<KvtProfileLogReader>(path, ""); },
+      "summary",
+      [](const PathArgument& path) {
+        return runReader<KvtProfileLogReader>(readPath(path.value, "path"), "");
+      },
       py::arg("path"),
       R"(The reader's statistics summary of the log, the text the viewer prints with
 `--reader csv` and no output: parse warnings, then every section of the summary.
@@ -253,8 +334,9 @@ Raises LogError with the reader's message when it refuses the log.)");
 
   module.def(
       "trace",
-      [](const Path& path, const Path& output) {
-        return runReader<KvtProfileLogReaderChrometrace>(path, output.string());
+      [](const PathArgument& path, const PathArgument& output) {
+        return runReader<KvtProfileLogReaderChrometrace>(readPath(path.value, "path"),
+                                                         readPath(output.value, "output").string());
       },
       py::arg("path"), py::arg("output"),
       R"(Writes the log's Chrome Trace Event Format file to output, as the viewer does, and

@@ -65,8 +65,8 @@ pybind11::object describePartial(const std::optional<LogReadResult>& partial) {
   if (PyErr_WarnEx(PyExc_RuntimeWarning, describePartialRead(*partial).c_str(), 1) != 0)
     throw pybind11::error_already_set();
   pybind11::dict described;
-  described["chunksRead"] = partial->chunksRead;
-  described["bytesRead"] = partial->bytesRead;
+  described["chunks_read"] = partial->chunksRead;
+  described["bytes_read"] = partial->bytesRead;
   described["reason"] = describeLogFaultWithoutPath(*partial->fault);
   return described;
 }

@@ -34,7 +34,7 @@ void clearReaderMessages();
 // messages from the reader follow, one a line.
 void requireStandingRead(const LogReadResult& read, bool partial, std::string_view role = {});
 
-// For a frame's attrs: {"chunksRead", "bytesRead", "reason"} of a partial read, with a
+// For a frame's attrs: {"chunks_read", "bytes_read", "reason"} of a partial read, with a
 // RuntimeWarning that says what was dropped; None for a whole read. Needs the GIL.
 pybind11::object describePartial(const std::optional<LogReadResult>& partial);
 

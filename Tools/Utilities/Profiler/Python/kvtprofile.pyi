@@ -1,30 +1,37 @@
-"""Profiling logs as pandas data frames (stubs of the compiled module kvtprofile)."""
+"""Profiling logs as pandas data frames (stubs of the compiled module kvtprofile).
+
+Every frame leads with the series' key: graph, series, name, parent, occurrence. Whole numbers
+are int64 (Int64 where one may be missing); a value above 2^63 - 1 raises OverflowError."""
 
 import os
-from typing import Union
+from typing import Iterable, Union
 
 import pandas
 
-_Path = Union[str, os.PathLike[str]]
+_Path = Union[str, bytes, os.PathLike[str], os.PathLike[bytes]]
+_Logs = Union[_Path, Iterable[_Path]]
 
 class LogError(Exception):
     """The log was refused: the file and what is wrong where, then the reader's own messages."""
 
-def executions(path: _Path, *, visibility: int = 127, skip_first: int = 0,
+def executions(path: _Logs, *, visibility: int = 127, skip_first: int = 0,
                partial: bool = False) -> pandas.DataFrame:
-    """Every execution's values, a row per value: graph, execution, series, parent, name,
-    occurrence, value."""
+    """Every execution's values, a row per value: graph, series, name, parent, occurrence,
+    execution, value; with a list of logs, then log (a categorical shared by every log)."""
 
-def stats(path: _Path, *, skip_first: int = 0, visibility: int = 127,
+def stats(path: _Logs, *, skip_first: int = 0, visibility: int = 127,
           partial: bool = False) -> pandas.DataFrame:
-    """Each series' figures, a row per series, as `kvt-profile-log stats` gives them."""
+    """Each series' figures, a row per series, as `kvt-profile-log stats` gives them; with a list
+    of logs, then log."""
 
-def compare(base: _Path, new: _Path, *, alpha: float = 0.01, threshold: float = 5.0,
-            min_change: float = 0.0, relative: bool = False,
+def compare(base: _Path, new: _Path, *, alpha: float = ..., threshold: float = ...,
+            min_change: float = ..., relative: bool = ...,
             skip_first: int = 0, partial: bool = False) -> pandas.DataFrame:
     """Which series got slower or faster between two runs, a row per series, with the columns of
-    `kvt-profile-log compare --format json` (base_count, base_p50, new_count, new_p50,
-    interval_low, interval_high flat); graphs and totals in attrs."""
+    `kvt-profile-log compare --format json` in snake_case (base_count, base_p50, new_count,
+    new_p50, change_percent, interval_low, interval_high, p_value, p_adjusted, q_value flat);
+    verdict an ordered categorical; graphs and totals in attrs. The defaults are the command's
+    (help(kvtprofile.compare) shows them)."""
 
 def summary(path: _Path) -> str:
     """The reader's statistics summary of the log, as the viewer prints it."""

@@ -6,24 +6,24 @@
 #include "statistics/SeriesList.h"
 
 #include <algorithm>
-#include <map>
+#include <unordered_map>
 
 namespace kvt::profiling {
 
 namespace {
 
-std::map<SeriesKey, const Series*> indexSeries(const RunStatistics& run) {
-  std::map<SeriesKey, const Series*> index;
+using SeriesIndex = std::unordered_map<SeriesKey, const Series*, SeriesKeyHash>;
+
+SeriesIndex indexSeries(const RunStatistics& run) {
+  SeriesIndex index;
   for (const GraphStatistics& graph : run.graphs)
     for (const SeriesRef& ref : listSeries(graph))
       index.emplace(makeSeriesKey(graph.name, ref), ref.series);
   return index;
 }
 
-const Series* findSeries(const std::map<SeriesKey, const Series*>& index,
-                         const ComparisonRow& row) {
-  const auto found = index.find(
-      {row.graph, row.kind, row.name, row.parent.value_or(""), row.occurrence.value_or(0)});
+const Series* findSeries(const SeriesIndex& index, const ComparisonRow& row) {
+  const auto found = index.find({row.graph, row.kind, row.name, row.parent, row.occurrence});
   return found == index.end() ? nullptr : found->second;
 }
 
@@ -41,8 +41,8 @@ PageComparison figurePageComparison(const RunStatistics& base, const RunStatisti
                                     const ComparisonOptions& options) {
   Comparison comparison = compareRuns(base, next, options);
   PageComparison page{{}, {}, options, std::move(comparison.graphs), {}, comparison.totals, {}};
-  const std::map<SeriesKey, const Series*> baseIndex = indexSeries(base);
-  const std::map<SeriesKey, const Series*> nextIndex = indexSeries(next);
+  const SeriesIndex baseIndex = indexSeries(base);
+  const SeriesIndex nextIndex = indexSeries(next);
   for (ComparisonRow& row : comparison.rows) {
     PageComparisonRow& shown = page.rows.emplace_back();
     shown.overlay = overlay(findSeries(baseIndex, row), findSeries(nextIndex, row));

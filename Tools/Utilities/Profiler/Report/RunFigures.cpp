@@ -5,7 +5,7 @@
 #include "statistics/StepShares.h"
 
 #include <algorithm>
-#include <map>
+#include <unordered_map>
 
 namespace kvt::profiling {
 
@@ -17,7 +17,9 @@ struct OrderedPoints {
   uint64_t skippedValues = 0;
 };
 
-GraphFigures figureGraph(const GraphStatistics& graph, std::map<SeriesKey, OrderedPoints>& order) {
+using OrderedPointsByKey = std::unordered_map<SeriesKey, OrderedPoints, SeriesKeyHash>;
+
+GraphFigures figureGraph(const GraphStatistics& graph, OrderedPointsByKey& order) {
   GraphFigures figures{graph.name, graph.executions, graph.skipped, 0, {}};
   const std::vector<std::optional<double>> shares = computeStepShares(graph);
   size_t step = 0;
@@ -41,11 +43,6 @@ GraphFigures figureGraph(const GraphStatistics& graph, std::map<SeriesKey, Order
 
 } // namespace
 
-SeriesKey makeSeriesKey(std::string_view graph, const SeriesRef& ref) {
-  return {std::string(graph), ref.kind, std::string(ref.name), std::string(ref.parent.value_or("")),
-          ref.occurrence.value_or(0)};
-}
-
 void boundPoints(RunFigures& figures) {
   size_t seriesCount = 0;
   size_t pointCount = 0;
@@ -64,7 +61,7 @@ void boundPoints(RunFigures& figures) {
 
 LogReadResult readRunFigures(const std::string& path, StatisticsOptions options, RunStatistics& run,
                              RunFigures& figures) {
-  std::map<SeriesKey, OrderedPoints> order;
+  OrderedPointsByKey order;
   options.orderedSeries = [&order](const GraphStatistics& graph, const SeriesRef& ref,
                                    std::span<const uint64_t> ordered, uint64_t skippedValues) {
     order[makeSeriesKey(graph.name, ref)] = {thinExecutionPoints(ordered, maxPointsPerSeries),

@@ -8,7 +8,6 @@
 
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <vector>
 
 namespace kvt::profiling {
@@ -16,12 +15,6 @@ namespace kvt::profiling {
 inline constexpr size_t maxPointsPerSeries = 2000; // execution-plot points of one series
 inline constexpr size_t maxPointsPerRun = 200000;  // of all series of a run: bounds the page
 inline constexpr size_t minPointsPerSeries = 20;   // kept even when a run has very many series
-
-// What identifies a series in a run: graph, kind, name, parent ("" for none), occurrence (0 for
-// none).
-using SeriesKey = std::tuple<std::string, SeriesKind, std::string, std::string, uint64_t>;
-
-SeriesKey makeSeriesKey(std::string_view graph, const SeriesRef& ref);
 
 struct GraphFigures {
   std::string name;

@@ -1,4 +1,4 @@
-// The comparison walks base in its order and looks each series up in new by a text key; what is
+// The comparison walks base in its order and looks each series up in new by its key; what is
 // left of new afterwards was added. A graph's step factor needs every matched step before the
 // first row is measured; the verdicts wait until every row has its p-value, since the
 // adjustment for many series needs them all.
@@ -18,14 +18,6 @@
 namespace kvt::profiling {
 
 namespace {
-
-// Kind, parent, name and occurrence, with lengths first so that no two keys share a text.
-std::string makeKey(const SeriesRef& series) {
-  const std::string_view parent = series.parent.value_or("");
-  return std::to_string(int(series.kind)) + ':' + std::to_string(parent.size()) + ':' +
-         std::string(parent) + std::to_string(series.name.size()) + ':' + std::string(series.name) +
-         ':' + std::to_string(series.occurrence.value_or(0));
-}
 
 ComparedSide describeSide(std::span<const uint64_t> values) {
   if (values.empty())
@@ -84,7 +76,7 @@ public:
   void compare(const std::string& name, const GraphStatistics* base, const GraphStatistics* next) {
     const std::vector<SeriesRef> baseSeries = base ? listSeries(*base) : std::vector<SeriesRef>{};
     const std::vector<SeriesRef> nextSeries = next ? listSeries(*next) : std::vector<SeriesRef>{};
-    const std::vector<SeriesPair> pairs = pairSeries(baseSeries, nextSeries);
+    const std::vector<SeriesPair> pairs = pairSeries(name, baseSeries, nextSeries);
     std::vector<double> logShifts;
     for (const SeriesPair& pair : pairs)
       if (pair.logShift)
@@ -104,16 +96,17 @@ private:
   double confidence() const { return 1 - 2 * options.alpha; }
 
   // Base's series in order, each with its match; then new's series that base lacks.
-  static std::vector<SeriesPair> pairSeries(const std::vector<SeriesRef>& baseSeries,
+  static std::vector<SeriesPair> pairSeries(const std::string& graph,
+                                            const std::vector<SeriesRef>& baseSeries,
                                             const std::vector<SeriesRef>& nextSeries) {
-    std::unordered_map<std::string, size_t> nextByKey;
+    std::unordered_map<SeriesKey, size_t, SeriesKeyHash> nextByKey;
     for (size_t i = 0; i < nextSeries.size(); ++i)
-      nextByKey.emplace(makeKey(nextSeries[i]), i);
+      nextByKey.emplace(makeSeriesKey(graph, nextSeries[i]), i);
     std::vector<bool> matched(nextSeries.size());
     std::vector<SeriesPair> pairs;
     for (const SeriesRef& series : baseSeries) {
       SeriesPair pair{&series, nullptr, std::nullopt};
-      const auto it = nextByKey.find(makeKey(series));
+      const auto it = nextByKey.find(makeSeriesKey(graph, series));
       if (it != nextByKey.end()) {
         matched[it->second] = true;
         pair.next = &nextSeries[it->second];

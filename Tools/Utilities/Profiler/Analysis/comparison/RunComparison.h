@@ -4,6 +4,7 @@
 // equivalence was shown, or neither.
 #pragma once
 
+#include "ComparisonOptions.h"
 #include "NeededExecutions.h"
 #include "ShiftEstimate.h"
 #include "statistics/RunStatistics.h"
@@ -20,13 +21,6 @@ enum class Verdict { slower, faster, same, unsure, added, removed };
 
 // "slower", "faster", "same", "unsure", "added" or "removed".
 std::string_view verdictName(Verdict verdict);
-
-struct ComparisonOptions {
-  double alpha = 0.01;         // the family-wise false-alarm rate of a slower verdict
-  double thresholdPercent = 5; // a change within plus or minus this much of the base median is none
-  double minChangeUnits = 0;   // a change of at most this many log units is none
-  bool relative = false;       // judge steps and back-end records net of each graph's run shift
-};
 
 // One side of a row: its counted values and their median, none when it has no values.
 struct ComparedSide {

@@ -34,8 +34,13 @@ std::string formatHeaderLine(const GraphStatistics& graph) {
                      " skipped; duration p50 " + formatFigure(duration, duration.p50) + ", p99 " +
                      formatFigure(duration, duration.p99);
   if (hasQueueWaitSeries(graph)) {
+    // Executions with several queue-wait events, or none, have no queue wait: say how many did.
     const SeriesSummary wait = summarizeSeries(graph.queueWait.values, {});
-    line += "; queue wait p50 " + formatFigure(wait, wait.p50) + ", p99 " +
+    const std::string some =
+        wait.count < duration.count
+            ? " (" + std::to_string(wait.count) + " of " + std::to_string(duration.count) + ")"
+            : "";
+    line += "; queue wait" + some + " p50 " + formatFigure(wait, wait.p50) + ", p99 " +
             formatFigure(wait, wait.p99);
   }
   return line;

@@ -1,4 +1,4 @@
-// Key lookup for the statistics pass, which meets every record of every execution.
+// Key lookup for the walk of executions, which meets every record of every execution.
 #include "OccurrenceIndex.h"
 
 namespace kvt::profiling {
@@ -9,34 +9,33 @@ void OccurrenceIndex::startExecution() {
   ++execution;
 }
 
-size_t OccurrenceIndex::findKey(std::string_view parent, std::string_view name) {
+size_t OccurrenceIndex::findName(const SeriesKey& record) {
   const size_t position = currentOrder.size();
   if (position < previousOrder.size()) {
-    const Key& expected = keys[previousOrder[position]];
-    if (expected.name == name && expected.parent == parent)
+    const SeriesKey& expected = names[previousOrder[position]].key;
+    if (expected.name == record.name && expected.parent == record.parent &&
+        expected.kind == record.kind && expected.graph == record.graph)
       return previousOrder[position];
   }
-  // The parent's length first, so that no two (parent, name) pairs share a text.
-  keyText.assign(std::to_string(parent.size())).append(":").append(parent).append(name);
-  if (const auto it = keyByText.find(std::string_view(keyText)); it != keyByText.end())
+  if (const auto it = nameByKey.find(record); it != nameByKey.end())
     return it->second;
-  keys.push_back(Key{std::string(parent), std::string(name), {}, 0, 0});
-  keyByText.emplace(keyText, keys.size() - 1);
-  return keys.size() - 1;
+  nameByKey.emplace(record, names.size());
+  names.push_back(Name{record, {}, 0, 0});
+  return names.size() - 1;
 }
 
-OccurrenceIndex::Slot OccurrenceIndex::next(std::string_view parent, std::string_view name) {
-  const size_t index = findKey(parent, name);
+OccurrenceIndex::Slot OccurrenceIndex::next(const SeriesKey& record) {
+  const size_t index = findName(record);
   currentOrder.push_back(index);
-  Key& key = keys[index];
-  if (key.execution != execution) {
-    key.execution = execution;
-    key.seen = 0;
+  Name& name = names[index];
+  if (name.execution != execution) {
+    name.execution = execution;
+    name.seen = 0;
   }
-  const uint64_t occurrence = key.seen++;
-  if (occurrence == key.seriesByOccurrence.size())
-    key.seriesByOccurrence.push_back(noSeries);
-  return Slot{key.seriesByOccurrence[occurrence], occurrence};
+  const uint64_t occurrence = name.seen++;
+  if (occurrence == name.seriesByOccurrence.size())
+    name.seriesByOccurrence.push_back(noSeries);
+  return Slot{name.seriesByOccurrence[occurrence], occurrence};
 }
 
 } // namespace kvt::profiling

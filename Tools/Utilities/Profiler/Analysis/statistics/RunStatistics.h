@@ -45,10 +45,9 @@ struct GraphStatistics {
   uint64_t executions = 0; // every execution of the graph, counted or skipped
   uint64_t skipped = 0;    // the first ones, left out of every series' values
   Series duration;
-  Series queueWait;
-  bool queueWaitInEveryExecution = true; // false once a counted execution had none, or several
-  std::vector<BackendSeries> backend;    // in order of first appearance
-  std::vector<StepSeries> steps;         // in order of first appearance
+  Series queueWait;                   // of the executions with exactly one queue-wait event
+  std::vector<BackendSeries> backend; // in order of first appearance
+  std::vector<StepSeries> steps;      // in order of first appearance
 };
 
 struct RunStatistics {
@@ -76,10 +75,9 @@ inline bool hasValues(const Series& series) {
   return series.first || !series.values.empty();
 }
 
-// Whether the graph's queue waits are a series to report: every counted execution had exactly
-// one, and some execution had one at all.
+// Whether the graph's queue waits are a series to report: some execution had one.
 inline bool hasQueueWaitSeries(const GraphStatistics& graph) {
-  return graph.queueWaitInEveryExecution && hasValues(graph.queueWait);
+  return hasValues(graph.queueWait);
 }
 
 } // namespace kvt::profiling

@@ -3,22 +3,6 @@
 
 namespace kvt::profiling {
 
-std::string_view seriesKindName(SeriesKind kind) {
-  switch (kind) {
-  case SeriesKind::duration:
-    return "duration";
-  case SeriesKind::queueWait:
-    return "queueWait";
-  case SeriesKind::backend:
-    return "backend";
-  case SeriesKind::span:
-    return "span";
-  case SeriesKind::wait:
-    return "wait";
-  }
-  return {};
-}
-
 std::vector<SeriesRef> listSeries(const GraphStatistics& graph) {
   std::vector<SeriesRef> list;
   list.push_back({SeriesKind::duration, "duration", {}, {}, &graph.duration});
@@ -32,6 +16,13 @@ std::vector<SeriesRef> listSeries(const GraphStatistics& graph) {
       list.push_back({SeriesKind::wait, step.name, step.parent, step.occurrence, &step.wait});
   }
   return list;
+}
+
+SeriesKey makeSeriesKey(std::string_view graph, const SeriesRef& series) {
+  SeriesKey key{std::string(graph), series.kind, std::string(series.name), {}, series.occurrence};
+  if (series.parent)
+    key.parent.emplace(*series.parent);
+  return key;
 }
 
 } // namespace kvt::profiling

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "RunStatistics.h"
+#include "SeriesKey.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,12 +11,7 @@
 
 namespace kvt::profiling {
 
-enum class SeriesKind { duration, queueWait, backend, span, wait };
-
-// "duration", "queueWait", "backend", "span" or "wait".
-std::string_view seriesKindName(SeriesKind kind);
-
-// One series of a graph with the key it is matched by. Points into the graph.
+// One series of a graph with the parts of its key. Points into the graph.
 struct SeriesRef {
   SeriesKind kind = SeriesKind::duration;
   std::string_view name;                  // the kind's name for duration and queueWait
@@ -27,5 +23,8 @@ struct SeriesRef {
 // Duration, the queue wait when it is a series, each back-end record, then each step's span and,
 // when the step ever had one, its wait; in that order.
 std::vector<SeriesRef> listSeries(const GraphStatistics& graph);
+
+// The key of a series of graph.
+SeriesKey makeSeriesKey(std::string_view graph, const SeriesRef& series);
 
 } // namespace kvt::profiling

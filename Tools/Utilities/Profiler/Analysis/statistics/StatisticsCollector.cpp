@@ -1,12 +1,9 @@
-// One execution at a time: its duration, its queue wait, each top-level record's value and each
-// step's span and wait go to their series; the execution itself is not kept.
+// One execution at a time: the walk names the series of each of its values, which go to their
+// series as they come; the execution itself is not kept.
 #include "StatisticsCollector.h"
 
-#include "StepWait.h"
-#include "log/LogCodes.h"
-#include "model/EventBuilder.h"
-
 #include <algorithm>
+#include <unordered_map>
 
 namespace kvt::profiling {
 
@@ -29,44 +26,6 @@ struct ExecutionPlace {
   }
 };
 
-uint64_t readValue(const schema::Event& event) {
-  return readTaggedValue(event).payload;
-}
-
-void recordBackend(GraphStatistics& graph, OccurrenceIndex& index, const schema::Event& record,
-                   const ExecutionPlace& place) {
-  const std::string_view name = readIdentifier(record);
-  const OccurrenceIndex::Slot slot = index.next({}, name);
-  if (slot.series == OccurrenceIndex::noSeries) {
-    slot.series = graph.backend.size();
-    graph.backend.push_back(BackendSeries{std::string(name), slot.occurrence, {}});
-  }
-  place.record(graph.backend[slot.series].value, readValue(record));
-}
-
-void recordSteps(GraphStatistics& graph, OccurrenceIndex& index, const schema::Event& record,
-                 const ExecutionPlace& place) {
-  const EventVector* children = record.child_events();
-  if (!children)
-    return;
-  const std::string_view parent = readIdentifier(record);
-  for (const schema::Event* child : *children) {
-    if (child->event_type() != executionStep)
-      continue;
-    const std::string_view name = readIdentifier(*child);
-    const OccurrenceIndex::Slot slot = index.next(parent, name);
-    if (slot.series == OccurrenceIndex::noSeries) {
-      slot.series = graph.steps.size();
-      graph.steps.push_back(
-          StepSeries{std::string(name), std::string(parent), slot.occurrence, {}, {}});
-    }
-    StepSeries& step = graph.steps[slot.series];
-    place.record(step.span, readValue(*child));
-    if (const std::optional<uint64_t> wait = findLastWait(*child))
-      place.record(step.wait, *wait);
-  }
-}
-
 // Drops the skipped executions' values, kept only for the sink, and sorts the others.
 void sortValues(Series& series) {
   series.values.erase(series.values.begin(),
@@ -80,38 +39,59 @@ void sortValues(Series& series) {
 void StatisticsCollector::add(const DispatchedExecution& execution) {
   if (onlyGraph && execution.graph != *onlyGraph)
     return;
-  GraphState& state = graphs.getOrCreate(execution.graph);
-  GraphStatistics& graph = state.statistics;
-  if (graph.executions == 0)
-    graph.name = execution.graph;
-  const ExecutionPlace place{graph.executions >= skipFirst, graph.executions == 0,
+  const WalkedExecution walked = walk.walk(execution);
+  const ExecutionPlace place{walked.execution >= skipFirst, walked.execution == 0,
                              bool(orderedSeries)};
-  ++graph.executions;
-  if (!place.counted)
-    ++graph.skipped;
-  place.record(graph.duration, execution.duration);
-  if (const std::optional<uint64_t> queueWait = findSingleQueueWait(execution.events))
-    place.record(graph.queueWait, *queueWait);
-  else if (place.counted)
-    graph.queueWaitInEveryExecution = false;
-
-  state.backendIndex.startExecution();
-  state.stepIndex.startExecution();
-  for (const schema::Event* record : execution.events) {
-    recordBackend(graph, state.backendIndex, *record, place);
-    recordSteps(graph, state.stepIndex, *record, place);
-  }
+  if (walked.graph == executionsByGraph.size())
+    executionsByGraph.push_back(0);
+  ++executionsByGraph[walked.graph];
+  // Series first met in this execution belong to its graph.
+  series.resize(walk.keys().size());
+  graphBySeries.resize(walk.keys().size(), walked.graph);
+  for (const SeriesValue& value : walked.values)
+    place.record(series[value.series], value.value);
 }
 
 RunStatistics StatisticsCollector::take() && {
   RunStatistics run;
-  for (auto& [name, state] : graphs) {
-    GraphStatistics& graph = state.statistics;
+  for (size_t graph = 0; graph < walk.graphs().size(); ++graph) {
+    GraphStatistics& statistics = run.graphs.emplace_back();
+    statistics.name = walk.graphs()[graph];
+    statistics.executions = executionsByGraph[graph];
+    statistics.skipped = std::min(statistics.executions, skipFirst);
+  }
+  std::unordered_map<SeriesKey, size_t, SeriesKeyHash> stepBySpan;
+  for (size_t index = 0; index < series.size(); ++index) {
+    const SeriesKey& key = walk.keys()[index];
+    GraphStatistics& graph = run.graphs[graphBySeries[index]];
+    Series& values = series[index];
+    switch (key.kind) {
+    case SeriesKind::duration:
+      graph.duration = std::move(values);
+      break;
+    case SeriesKind::queueWait:
+      graph.queueWait = std::move(values);
+      break;
+    case SeriesKind::backend:
+      graph.backend.push_back({key.name, *key.occurrence, std::move(values)});
+      break;
+    case SeriesKind::span:
+      stepBySpan.emplace(key, graph.steps.size());
+      graph.steps.push_back({key.name, *key.parent, *key.occurrence, std::move(values), {}});
+      break;
+    case SeriesKind::wait: {
+      SeriesKey span = key;
+      span.kind = SeriesKind::span;
+      graph.steps[stepBySpan.at(span)].wait = std::move(values);
+      break;
+    }
+    }
+  }
+  for (GraphStatistics& graph : run.graphs) {
     if (orderedSeries)
       for (const SeriesRef& ref : listSeries(graph))
         orderedSeries(graph, ref, ref.series->values, ref.series->skippedValues);
     forEachSeries(graph, sortValues);
-    run.graphs.push_back(std::move(graph));
   }
   return run;
 }

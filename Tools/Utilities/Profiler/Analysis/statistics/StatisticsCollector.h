@@ -1,14 +1,14 @@
 // Files each execution the dispatch hands out into its graph's series, as it comes.
 #pragma once
 
-#include "OccurrenceIndex.h"
 #include "RunStatistics.h"
+#include "SeriesWalk.h"
 #include "StatisticsPass.h"
 #include "model/ExecutionSeam.h"
-#include "model/GraphMap.h"
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kvt::profiling {
 
@@ -28,15 +28,13 @@ public:
   RunStatistics take() &&;
 
 private:
-  struct GraphState {
-    GraphStatistics statistics;
-    OccurrenceIndex backendIndex;
-    OccurrenceIndex stepIndex;
-  };
   uint64_t skipFirst = 0;
   std::optional<std::string> onlyGraph;
   OrderedSeriesSink orderedSeries;
-  GraphMap<GraphState> graphs;
+  SeriesWalk walk;
+  std::vector<uint64_t> executionsByGraph; // by the walk's graph index
+  std::vector<Series> series;              // by the walk's series index
+  std::vector<size_t> graphBySeries;
 };
 
 } // namespace kvt::profiling

@@ -1,20 +1,29 @@
 // The long table of executions as columns, for a data frame: text as codes into lists of
-// categories, numbers as they are, gathered as the log is read.
+// categories, numbers as they are, gathered as the logs are read.
 #pragma once
 
 #include "ChunkedColumn.h"
 #include "ExecutionRows.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace kvt::profiling {
 
-// One entry per row in every column, rows in the order ExecutionRows lists them. A code is an
-// index into its list of categories; noCode marks a missing parent, noOccurrence a missing
-// occurrence.
+// A value that a signed 64-bit column cannot hold, and where it is.
+struct OversizedValue {
+  size_t log = 0; // the log's position among those read
+  SeriesKey series;
+  uint64_t execution = 0;
+  uint64_t value = 0; // above INT64_MAX
+};
+
+// One entry per row in every column, rows log after log, each log's in the order ExecutionRows
+// lists them. A code is an index into its list of categories, which the logs share; noCode marks
+// a missing parent, noOccurrence a missing occurrence.
 struct ExecutionColumns {
   static constexpr int32_t noCode = -1;
   static constexpr uint64_t noOccurrence = UINT64_MAX; // no execution holds 2^64 records
@@ -29,6 +38,8 @@ struct ExecutionColumns {
   ChunkedColumn<uint32_t> name;
   ChunkedColumn<uint64_t> occurrence;
   ChunkedColumn<uint64_t> value;
+  std::vector<size_t> rowsByLog;                // the rows of each log, in the order read
+  std::optional<OversizedValue> firstOversized; // the first value above INT64_MAX, if any
 
   size_t rows() const { return value.size(); }
 };
@@ -36,6 +47,8 @@ struct ExecutionColumns {
 // Appends rows to columns, turning each series' text into codes once.
 class ExecutionColumnBuilder {
 public:
+  // Starts the rows of the next log; its graph and series indexes are its own.
+  void startLog();
   void append(const ExecutionRows& rows, const ExecutionKeys& keys);
   // Consumes the builder.
   ExecutionColumns take() && { return std::move(columns); }
@@ -47,20 +60,24 @@ private:
     uint32_t name = 0;
     uint64_t occurrence = ExecutionColumns::noOccurrence;
   };
-  uint32_t findCode(std::unordered_map<std::string, uint32_t>& codes,
-                    std::vector<std::string>& categories, const std::string& text);
+  using CodeMap = std::unordered_map<std::string, uint32_t>;
+  uint32_t findCode(CodeMap& codes, std::vector<std::string>& categories, const std::string& text);
+  void noteOversized(const ExecutionRows& rows, const ExecutionKeys& keys);
 
   ExecutionColumns columns;
-  std::vector<SeriesCodes> seriesCodes; // by series index
-  std::unordered_map<std::string, uint32_t> parentCodes;
-  std::unordered_map<std::string, uint32_t> nameCodes;
+  std::vector<uint32_t> graphCodes;     // the current log's, by graph index
+  std::vector<SeriesCodes> seriesCodes; // the current log's, by series index
+  CodeMap graphCodeByName;
+  CodeMap parentCodeByName;
+  CodeMap nameCodeByName;
 };
 
-// Reads the log at path into columns (see readExecutionRows). Incomplete when the file is no log
-// or a chunk is bad, with the fault and the reader's report to the log facility; columns is then
-// left as it was, unless partial and the fault is a bad chunk: then columns holds the rows of the
-// whole chunks before it. Memory: one chunk and 37 bytes per row.
+// Reads the log at path and appends its rows to builder as a log of their own (see
+// readExecutionRows). Incomplete when the file is no log or a chunk is bad, with the fault and
+// the reader's report to the log facility; builder then holds the rows of the whole chunks before
+// a bad one, which stand only when the caller allows a partial read. Memory: one chunk and 37
+// bytes per row.
 LogReadResult readExecutionColumns(const std::string& path, const ExecutionRowOptions& options,
-                                   bool partial, ExecutionColumns& columns);
+                                   ExecutionColumnBuilder& builder);
 
 } // namespace kvt::profiling

@@ -32,9 +32,8 @@ void ExecutionTextWriter::appendHeader(std::string& out) const {
     out += "log,graph,execution,series,parent,name,occurrence,value\n";
 }
 
-ExecutionTextWriter::SeriesText ExecutionTextWriter::formatSeries(const ExecutionSeriesKey& key,
-                                                                  const ExecutionKeys& keys) const {
-  const std::string& graph = keys.graphs[key.graph];
+ExecutionTextWriter::SeriesText ExecutionTextWriter::formatSeries(const SeriesKey& key) const {
+  const std::string& graph = key.graph;
   const std::string occurrence = key.occurrence ? std::to_string(*key.occurrence) : std::string();
   SeriesText text;
   if (format == ExecutionTextFormat::csv) {
@@ -57,9 +56,9 @@ ExecutionTextWriter::SeriesText ExecutionTextWriter::formatSeries(const Executio
 void ExecutionTextWriter::appendRows(const ExecutionRows& rows, const ExecutionKeys& keys,
                                      std::string& out) {
   while (seriesText.size() < keys.series.size())
-    seriesText.push_back(formatSeries(keys.series[seriesText.size()], keys));
+    seriesText.push_back(formatSeries(keys.series[seriesText.size()]));
   const char* rowEnd = format == ExecutionTextFormat::csv ? "\n" : "}\n";
-  for (const ExecutionValue& value : rows.values) {
+  for (const SeriesValue& value : rows.values) {
     const SeriesText& text = seriesText[value.series];
     out += text.beforeExecution;
     appendNumber(out, rows.execution);

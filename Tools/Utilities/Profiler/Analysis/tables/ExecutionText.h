@@ -34,7 +34,7 @@ private:
     std::string beforeExecution;
     std::string afterExecution;
   };
-  SeriesText formatSeries(const ExecutionSeriesKey& key, const ExecutionKeys& keys) const;
+  SeriesText formatSeries(const SeriesKey& key) const;
 
   ExecutionTextFormat format;
   std::string logPath;

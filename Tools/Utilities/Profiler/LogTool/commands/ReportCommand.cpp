@@ -1,7 +1,7 @@
 // `kvt-profile-log report LOG -o report.html` on the command line; the report itself is the
 // report library's.
 #include "CommandLine.h"
-#include "ComparisonOptions.h"
+#include "ComparisonFlags.h"
 #include "LogReadReport.h"
 #include "ReaderReports.h"
 #include "ReportBuild.h"

@@ -1,9 +1,10 @@
-"""The module's frames against the log tool's golden outputs and JSON, its errors, and its
-release of the GIL while it reads."""
+"""The module's frames against the log tool's golden outputs and JSON and against each other,
+its errors, and its release of the GIL while it reads."""
 
 import json
 import math
 import os
+import re
 import subprocess
 import threading
 import time
@@ -15,6 +16,10 @@ import kvtprofile
 from conftest import LOG_DIR, golden_dir
 
 STEP_KEYS = LOG_DIR / "step-keys" / "input.log"
+EDGES = LOG_DIR / "compare-edges"
+KEY = ["graph", "series", "name", "parent", "occurrence"]
+CSV_COLUMNS = ["graph", "execution", "series", "parent", "name", "occurrence", "value"]
+INT64_MAX = 2**63 - 1
 
 
 def golden_executions_cases():
@@ -33,8 +38,7 @@ def golden_executions_cases():
                          ids=lambda value: getattr(value, "name", value))
 def test_executions_frame_is_the_golden_csv(case, name, log_tool, tmp_path):
     log = LOG_DIR / case.name / f"{name}.log"
-    frame = kvtprofile.executions(log)
-    assert frame.attrs["unit"] == "us"
+    frame = kvtprofile.executions(log)[CSV_COLUMNS]
     frame.insert(0, "log", f"<logs>/{name}.log")
     expected = (case / "executions.out").read_text(errors="surrogateescape")
     assert frame.to_csv(index=False, lineterminator="\n") == expected
@@ -65,9 +69,14 @@ def expected_stats_rows(report):
     return rows
 
 
+def snake(name):
+    """JSON's camelCase key as the frame's snake_case column: pValue as p_value."""
+    return re.sub("([A-Z])", lambda upper: "_" + upper.group(1).lower(), name)
+
+
 def flat(figures, prefix=""):
     """JSON's nested values as the frame's flat columns: base.count as base_count, interval as
-    interval_low and interval_high."""
+    interval_low and interval_high, every key in snake_case."""
     columns = {}
     for key, value in figures.items():
         if isinstance(value, dict):
@@ -78,8 +87,17 @@ def flat(figures, prefix=""):
         elif key == "needed" and value is None:
             columns.update({f"{prefix}needed_base": None, f"{prefix}needed_new": None})
         else:
-            columns[prefix + key] = value
+            columns[prefix + snake(key)] = value
     return columns
+
+
+def holds_oversized(document):
+    """Whether some whole number in a JSON document exceeds what int64 holds."""
+    if isinstance(document, dict):
+        return any(holds_oversized(value) for value in document.values())
+    if isinstance(document, list):
+        return any(holds_oversized(value) for value in document)
+    return isinstance(document, int) and document > INT64_MAX
 
 
 def agree(value, printed):
@@ -119,6 +137,12 @@ def test_frames_agree_with_the_tools_json(case, output, words):
     if "--relative" in words:
         options["relative"] = True
     report = json.loads((case / f"{output}.out").read_text())
+    read = kvtprofile.stats if words[0] == "stats" else kvtprofile.compare
+    if holds_oversized(report):
+        # A figure beyond int64 raises instead of wrapping into a negative number.
+        with pytest.raises(OverflowError, match="exceeds 2\\^63 - 1"):
+            read(*logs, **options)
+        return
     if words[0] == "stats":
         frame = kvtprofile.stats(*logs, **options)
         expected = expected_stats_rows(report)
@@ -176,7 +200,7 @@ def test_partial_reads_keep_the_whole_chunks_before_the_cut(log_tool, tmp_path):
                     for name in ("first", "middle", "last")), "-o", str(log)], check=True)
     cut = tmp_path / "cut.log"
     cut.write_bytes(log.read_bytes()[:1000])
-    dropped = {"chunksRead": 2, "bytesRead": 888,
+    dropped = {"chunks_read": 2, "bytes_read": 888,
                "reason": "chunk 2 at offset 888 is cut short: its size prefix says 528 bytes, "
                          "the file holds 108 more"}
     with pytest.raises(kvtprofile.LogError, match="^" + str(cut) + ": chunk 2 at offset 888"):
@@ -194,18 +218,153 @@ def test_partial_reads_keep_the_whole_chunks_before_the_cut(log_tool, tmp_path):
     assert kvtprofile.stats(log, partial=True).attrs["partial"] is None
 
 
-def test_bad_arguments_raise_python_errors(tmp_path):
+def test_bad_arguments_raise_errors_that_name_them(tmp_path):
     log = STEP_KEYS
-    cases = [(FileNotFoundError, lambda: kvtprofile.executions(tmp_path / "missing.log")),
-             (ValueError, lambda: kvtprofile.executions(log, visibility=128)),
-             (ValueError, lambda: kvtprofile.stats(log, skip_first=-1)),
-             (ValueError, lambda: kvtprofile.compare(log, log, alpha=0.5)),
-             (ValueError, lambda: kvtprofile.compare(log, log, threshold=-1)),
-             (TypeError, lambda: kvtprofile.executions(log, 0)),
-             (TypeError, lambda: kvtprofile.executions(3))]
-    for error, call in cases:
-        with pytest.raises(error):
+    cases = [(FileNotFoundError, "", lambda: kvtprofile.executions(tmp_path / "missing.log")),
+             (ValueError, "visibility must be from -128 to 127, not 128",
+              lambda: kvtprofile.executions(log, visibility=128)),
+             (ValueError, "skip_first must be 0 or more, not -1",
+              lambda: kvtprofile.stats(log, skip_first=-1)),
+             (ValueError, "alpha needs a probability above 0 and below 0.5, not 0.5",
+              lambda: kvtprofile.compare(log, log, alpha=0.5)),
+             (ValueError, "threshold needs a percentage of 0 or more, not -1.0",
+              lambda: kvtprofile.compare(log, log, threshold=-1)),
+             (ValueError, "min_change needs a number of units of 0 or more, not nan",
+              lambda: kvtprofile.compare(log, log, min_change=math.nan)),
+             (ValueError, "path holds no log", lambda: kvtprofile.executions([])),
+             (ValueError, f"path names {log} twice", lambda: kvtprofile.stats([log, log])),
+             (TypeError, "visibility takes an int, not str",
+              lambda: kvtprofile.executions(log, visibility="1")),
+             (TypeError, "skip_first takes an int, not float",
+              lambda: kvtprofile.stats(log, skip_first=1.0)),
+             (TypeError, "alpha takes a number (int or float), not str",
+              lambda: kvtprofile.compare(log, log, alpha="0.1")),
+             (TypeError, "relative takes True or False, not int",
+              lambda: kvtprofile.compare(log, log, relative=1)),
+             (TypeError, "new takes a path (str or os.PathLike), not NoneType",
+              lambda: kvtprofile.compare(log, None)),
+             (TypeError, "path takes a path (str or os.PathLike) or a list of paths, not int",
+              lambda: kvtprofile.executions(3)),
+             (TypeError, "path[1] takes a path (str or os.PathLike), not int",
+              lambda: kvtprofile.stats([log, 3])),
+             (TypeError, "output takes a path (str or os.PathLike), not int",
+              lambda: kvtprofile.trace(log, 0)),
+             (TypeError, "", lambda: kvtprofile.executions(log, 0))]
+    for error, message, call in cases:
+        with pytest.raises(error) as raised:
             call()
+        assert message in str(raised.value), (message, raised.value)
+
+
+def test_values_beyond_int64_raise_naming_where_they_are():
+    # compare-edges' graph huge spans within 100 of 2^64 - 1, its first value 2^64 - 101.
+    base = EDGES / "base.log"
+    where = "in {log}, graph huge, span Huge under execute, occurrence 0"
+    cases = [(lambda: kvtprofile.executions(base),
+              "the value 18446744073709551515 " + where.format(log=base) + ", execution 0"),
+             (lambda: kvtprofile.stats([STEP_KEYS, base]),
+              "the largest value 18446744073709551595 " + where.format(log=base)),
+             (lambda: kvtprofile.compare(base, EDGES / "new.log"),
+              "the median 18446744073709551549 " + where.format(log="base"))]
+    for call, message in cases:
+        with pytest.raises(OverflowError) as raised:
+            call()
+        assert message in str(raised.value), (message, raised.value)
+
+
+def readable_golden_logs():
+    """Every golden log the reader takes whose values fit int64, in a stable order."""
+    logs = []
+    for log in sorted(LOG_DIR.glob("*/*.log")):
+        try:
+            kvtprofile.stats(log)
+        except (kvtprofile.LogError, OverflowError):
+            continue
+        logs.append(log)
+    return logs
+
+
+def nearest_rank(ordered, percent):
+    return ordered[max(1, (percent * len(ordered) + 99) // 100) - 1]
+
+
+def figures_of(values, first):
+    """The figures of stats as the statistics compute them: sums in ascending order."""
+    ordered = sorted(values)
+    total = 0.0
+    for value in ordered:
+        total += float(value)
+    mean = total / len(ordered)
+    squares = 0.0
+    for value in ordered:
+        squares += (float(value) - mean) ** 2
+    return dict(count=len(ordered), mean=mean, stddev=math.sqrt(squares / len(ordered)),
+                min=ordered[0], p50=nearest_rank(ordered, 50), p90=nearest_rank(ordered, 90),
+                p99=nearest_rank(ordered, 99), max=ordered[-1], first=first)
+
+
+def missing_as_none(row):
+    return {key: None if pandas.isna(value) else value for key, value in row.items()}
+
+
+@pytest.mark.parametrize("skip_first", [0, 1])
+def test_grouping_executions_by_series_gives_every_stats_figure(skip_first):
+    logs = readable_golden_logs()
+    rows = kvtprofile.executions(logs, skip_first=skip_first)
+    stats = kvtprofile.stats(logs, skip_first=skip_first)
+    # Grouped by hand: pandas' groupby drops missing categorical keys whatever dropna says.
+    values, firsts = {}, {}
+    for row in rows.itertuples(index=False):
+        key = tuple(None if pandas.isna(getattr(row, part)) else getattr(row, part)
+                    for part in ["log"] + KEY)
+        values.setdefault(key, []).append(int(row.value))
+        if row.execution == 0:
+            firsts[key] = int(row.value)
+    groups = {key: figures_of(group, firsts.get(key)) for key, group in values.items()}
+    span_means = {}
+    for row in map(missing_as_none, stats.to_dict("records")):
+        if row["series"] == "span" and row["count"]:
+            graph = (row["log"], row["graph"])
+            span_means.setdefault(graph, []).append(row["mean"])
+    for row in map(missing_as_none, stats.to_dict("records")):
+        key = tuple(row[column] for column in ["log"] + KEY)
+        expected = groups.pop(key, None)
+        if expected is None:
+            assert row["count"] == 0, key  # every value skipped: no rows, no figures
+            continue
+        if skip_first:
+            expected["first"] = row["first"]  # the skipped first execution has no rows
+        assert {name: row[name] for name in expected} == expected, key
+        if row["series"] == "span":
+            total = 0.0
+            for mean in span_means[(row["log"], row["graph"])]:
+                total += mean
+            assert row["share"] == row["mean"] / total * 100, key
+    assert not groups, f"series in executions() but not in stats(): {list(groups)}"
+
+
+def test_frames_share_their_key_columns_names_and_signed_numbers():
+    base, new = LOG_DIR / "compare-200" / "base.log", LOG_DIR / "compare-200" / "new.log"
+    both = kvtprofile.executions([new, base])
+    frames = [both, kvtprofile.stats([new, base]), kvtprofile.compare(base, new)]
+    for frame in frames:
+        assert list(frame.columns[:5]) == KEY
+        assert list(frame.series.cat.categories) == [
+            "duration", "queueWait", "backend", "span", "wait"]
+        assert all(re.fullmatch("[a-z0-9_]+", column) for column in frame.columns)
+        assert all(re.fullmatch("[a-z_]+", name) for name in frame.attrs)
+    compared = frames[2]
+    assert compared.verdict.cat.ordered
+    assert list(compared.verdict.cat.categories) == [
+        "slower", "faster", "same", "unsure", "added", "removed"]
+    assert all(re.fullmatch("[a-z_]+", name)
+               for graph in compared.attrs["graphs"] for name in graph)
+    # One frame of two logs: shared categories, and run-to-run deltas that keep their sign.
+    assert list(both.log.cat.categories) == [str(new), str(base)]
+    assert list(both.graph.cat.categories) == ["model"]
+    fastest = both[both.series == "span"].groupby(["log", "name"], observed=True).value.min()
+    assert fastest[str(base)]["Conv"] - fastest[str(new)]["Conv"] < 0
+    assert (both.value - both.value.max()).max() == 0
 
 
 def test_summary_and_trace_are_the_viewers(tmp_path):

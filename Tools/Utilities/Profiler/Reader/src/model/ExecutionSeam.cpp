@@ -5,13 +5,13 @@
 
 namespace kvt::profiling {
 
-std::optional<uint64_t> findSingleQueueWait(std::span<const schema::Event* const> events) {
+const schema::Event* findSingleQueueWaitEvent(std::span<const schema::Event* const> events) {
   size_t seen = 0;
-  uint64_t payload = 0;
+  const schema::Event* found = nullptr;
   auto visit = [&](const schema::Event& event) {
     if (event.event_type() == queueWaitEvent) {
       ++seen;
-      payload = readTaggedValue(event).payload;
+      found = &event;
     }
   };
   for (const schema::Event* event : events) {
@@ -20,7 +20,13 @@ std::optional<uint64_t> findSingleQueueWait(std::span<const schema::Event* const
       for (const schema::Event* child : *children)
         visit(*child);
   }
-  return seen == 1 ? std::optional(payload) : std::nullopt;
+  return seen == 1 ? found : nullptr;
+}
+
+std::optional<uint64_t> findSingleQueueWait(std::span<const schema::Event* const> events) {
+  if (const schema::Event* queueWait = findSingleQueueWaitEvent(events))
+    return readTaggedValue(*queueWait).payload;
+  return std::nullopt;
 }
 
 void foldIntoRunningAverage(RunningExecutions& running, const DispatchedExecution& execution) {

@@ -28,8 +28,11 @@ struct DispatchedExecution {
 using ExecutionConsumer = std::function<void(const DispatchedExecution&)>;
 using ExecutionConsumers = std::vector<ExecutionConsumer>;
 
-// The payload of the one queue-wait event among the events and their children; none when there
-// is no such event or more than one.
+// The one queue-wait event among the events and their children; null when there is no such
+// event or more than one.
+const schema::Event* findSingleQueueWaitEvent(std::span<const schema::Event* const> events);
+
+// Its payload.
 std::optional<uint64_t> findSingleQueueWait(std::span<const schema::Event* const> events);
 
 // Folds the execution into its graph's running average and, while every execution so far had
