@@ -2,7 +2,7 @@
 // library's.
 #include "CommandLine.h"
 #include "CommandOutput.h"
-#include "ComparisonOptions.h"
+#include "ComparisonFlags.h"
 #include "ReaderReports.h"
 #include "ToolCommands.h"
 #include "history/HistoryInputs.h"
