@@ -53,6 +53,10 @@ def reports():
     scales = [argument for name, factor in PLANTED.items() for argument in ("--scale", f"{name}={factor}")]
     tool("synth", "-o", "new.log", *shape, "--noise-seed", 4, *scales, cwd=folder)
     tool("report", "new.log", "--base", "base.log", "-o", "pair.html", cwd=folder)
+    runs = sorted((GOLDEN / "history-step").glob("run*.json"))
+    for run in runs:
+        tool("build", "--chunks", run, "-o", folder / f"{run.stem}.log")
+    tool("report", "--history", *[f"{run.stem}.log" for run in runs], "-o", "history.html", cwd=folder)
     return folder
 
 
@@ -346,6 +350,37 @@ def test_the_url_keeps_the_view(browser, reports):
                             {"features": [{"name": "prefers-color-scheme", "value": "dark"}]})
     shoot(browser, "detail-dark")
     browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
+
+
+def test_a_history_sorts_by_latest_change_and_opens_a_chart(browser, reports):
+    page = reports / "history.html"
+    open_page(browser, page)
+    latest = [text.split("at run ")[-1] for text in column(browser, 0, "history-table")]
+    changed = [int(run) for run in latest if run != "-"]
+    assert changed and changed == sorted(changed, reverse=True)
+    assert latest[len(changed):] == ["-"] * (len(latest) - len(changed))
+    first = browser.find_element(By.CSS_SELECTOR, "#history-table tr.slower")
+    marks = first.find_elements(By.CSS_SELECTOR, "svg.sparkline .change-mark")
+    assert marks and all(m.find_element(By.CSS_SELECTOR, "path.shape") for m in marks)
+    first.click()
+    detail = browser.find_element(By.ID, "series-detail")
+    assert detail.is_displayed()
+    assert browser.execute_script(
+        "return arguments[0].nextElementSibling.contains(arguments[1])", first, detail)
+    points = detail.find_elements(By.CSS_SELECTOR, "circle.point")
+    sources = [point.get_attribute("textContent").split(",")[0].split(": ") for point in points]
+    assert len(points) > 1 and all(f"run{int(run[4:]):02}.log" == source for run, source in sources)
+    assert len(detail.find_elements(By.CSS_SELECTOR, ".change-mark")) == len(marks)
+    url = browser.current_url
+    assert "series=" in url
+    shoot(browser, "history")
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia",
+                            {"features": [{"name": "prefers-color-scheme", "value": "dark"}]})
+    shoot(browser, "history-dark")
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
+    open_page(browser, page, url[url.index("#"):])
+    assert browser.find_element(By.ID, "series-detail").is_displayed()
+    expect_quiet(browser, page)
 
 
 def test_runs_without_steps_or_executions_say_so(browser, reports):
