@@ -57,6 +57,8 @@ def reports():
     for run in runs:
         tool("build", "--chunks", run, "-o", folder / f"{run.stem}.log")
     tool("report", "--history", *[f"{run.stem}.log" for run in runs], "-o", "history.html", cwd=folder)
+    tool("report", "--history", "report-input.log", "report-input.log", "-o", "hostile-history.html",
+         cwd=folder)
     return folder
 
 
@@ -332,6 +334,17 @@ def test_hostile_names_show_as_text(browser, reports):
     assert browser.find_element(By.ID, "status").text == "Copied 2 rows as CSV"
 
 
+def test_hostile_names_in_a_history_show_as_text(browser, reports):
+    page = reports / "hostile-history.html"
+    open_page(browser, page)
+    assert HOSTILE_GRAPH in column(browser, 1, "history-table")
+    rows(browser, "history-table")[0].click()
+    assert browser.find_element(By.ID, "series-detail").is_displayed()
+    assert browser.find_elements(By.TAG_NAME, "img") == []
+    assert "Too few runs" in browser.find_element(By.ID, "history").text
+    expect_quiet(browser, page)
+
+
 def test_the_url_keeps_the_view(browser, reports):
     page = reports / "steps.html"
     open_page(browser, page)
@@ -355,6 +368,8 @@ def test_the_url_keeps_the_view(browser, reports):
 def test_a_history_sorts_by_latest_change_and_opens_a_chart(browser, reports):
     page = reports / "history.html"
     open_page(browser, page)
+    assert browser.find_element(By.CSS_SELECTOR, ".logs").text == (
+        "run00.log (2023-11-14 22:13 UTC) to run19.log (2023-12-03 22:13 UTC)")
     latest = [text.split("at run ")[-1] for text in column(browser, 0, "history-table")]
     changed = [int(run) for run in latest if run != "-"]
     assert changed and changed == sorted(changed, reverse=True)

@@ -1415,7 +1415,7 @@ function drawHistoryChart(series) {
   const top = Math.max(...bounds);
   const x = linearScale(0, Math.max(runCount - 1, 1), plot.left + 10, plot.width - plot.right - 10);
   const y = linearScale(bottom, top, plot.height - plot.bottom, plot.top + 4);
-  yTicks(picture, linearTicks(bottom, top, 4), y, formatShort);
+  yTicks(picture, linearTicks(bottom, top, 4), y, formatValue);  // runs differ by little: whole digits
   xTicks(picture, linearTicks(0, Math.max(runCount - 1, 1), 6).filter(Number.isInteger), x,
          formatShort);
   const bottomY = plot.height - plot.bottom;
