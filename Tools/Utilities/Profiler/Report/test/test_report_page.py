@@ -395,6 +395,11 @@ def test_a_history_sorts_by_latest_change_and_opens_a_chart(browser, reports):
     browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
     open_page(browser, page, url[url.index("#"):])
     assert browser.find_element(By.ID, "series-detail").is_displayed()
+    browser.find_element(By.TAG_NAME, "body").send_keys(Keys.ESCAPE)
+    assert browser.find_elements(By.ID, "series-detail") == [] and "series=" not in browser.current_url
+    browser.find_element(By.TAG_NAME, "body").send_keys("/", "conv")
+    assert browser.find_element(By.ID, "history-filter").get_attribute("value") == "conv"
+    assert set(column(browser, 3, "history-table")) == {"Conv"}
     expect_quiet(browser, page)
 
 
