@@ -54,11 +54,26 @@ std::vector<LogReadResult> readReport(const ReportOptions& options, Report& repo
   return reads;
 }
 
+Report buildHistoryReport(std::string title, PageHistory history) {
+  Report report;
+  const std::vector<HistoryRun>& runs = history.history.runs;
+  report.input.title =
+      title.empty() ? "History of " + std::to_string(runs.size()) + " runs" : std::move(title);
+  report.input.skipFirst = history.options.skipFirst;
+  if (!runs.empty())
+    report.logs.push_back({runs.front().source, formatCreated(runs.front().createdUs)});
+  if (runs.size() > 1)
+    report.logs.push_back({runs.back().source, formatCreated(runs.back().createdUs)});
+  report.logsJoin = " to ";
+  report.input.history = std::move(history);
+  return report;
+}
+
 bool writeReportFile(const std::string& path, const Report& report, std::string& failure) {
   std::ostringstream data;
   writeReportData(data, report.input);
   std::ostringstream page;
-  writeReportPage(page, report.input.title, report.logs, data.str());
+  writeReportPage(page, report.input.title, report.logs, report.logsJoin, data.str());
   return writeWholeFile(path, page.str(), failure);
 }
 

@@ -20,7 +20,8 @@ struct ReportOptions {
 
 struct Report {
   ReportInput input;
-  std::vector<PageLog> logs; // the base first, when there is one
+  std::vector<PageLog> logs; // the base first, when there is one; a history's first and last run
+  std::string logsJoin = " against ";
 };
 
 // Reads the base log, when there is one, then the log into report, and compares them. Each log's
@@ -28,6 +29,10 @@ struct Report {
 // stand under options.statistics.partial, when that log cannot be read; the reader has then
 // reported to the log facility and report is left as it was.
 std::vector<LogReadResult> readReport(const ReportOptions& options, Report& report);
+
+// The report of a history: title (empty: "History of N runs"), its first and last run as its
+// logs.
+Report buildHistoryReport(std::string title, PageHistory history);
 
 // Writes the page of report to path, whole or not at all (see OutputFile); false, with the
 // system's reason in failure, when it cannot be written.

@@ -199,6 +199,19 @@ void writeComparison(std::ostream& out, const std::optional<PageComparison>& com
   out << (comparison->rows.empty() ? "]" : "\n    ]") << "\n  }";
 }
 
+void writeHistory(std::ostream& out, const std::optional<PageHistory>& history) {
+  if (!history) {
+    out << "null";
+    return;
+  }
+  std::ostringstream json;
+  writeHistoryJson(json, history->history, history->options);
+  std::string text = json.str();
+  while (!text.empty() && text.back() == '\n')
+    text.pop_back();
+  out << text;
+}
+
 // json as it may sit in a script element, and without the blanks after its colons and commas,
 // which would make a big comparison's page a tenth larger: every '<' as \u003c, every string as
 // it was.
@@ -232,8 +245,13 @@ void writeReportData(std::ostream& out, const ReportInput& input) {
   data << ",\n  \"unit\": ";
   writeJsonString(data, reportUnit);
   data << ",\n  \"skipFirst\": " << input.skipFirst << ",\n  \"run\": ";
-  writeRun(data, input.run);
+  if (input.history)
+    data << "null";
+  else
+    writeRun(data, input.run);
   writeComparison(data, input.comparison);
+  data << ",\n  \"history\": ";
+  writeHistory(data, input.history);
   data << "\n}\n";
   writeForScript(out, data.str());
 }

@@ -14,11 +14,11 @@ std::string contentPolicy() {
          "'; img-src data:; base-uri 'none'; form-action 'none'";
 }
 
-std::string describeLogs(const std::vector<PageLog>& logs) {
+std::string describeLogs(const std::vector<PageLog>& logs, std::string_view pairJoin) {
   std::string text;
   for (size_t i = 0; i < logs.size(); ++i) {
     if (i)
-      text += logs.size() == 2 ? " against " : ", ";
+      text += logs.size() == 2 ? pairJoin : ", ";
     text += "<span class=\"log\">" + escapeHtml(logs[i].path) + "</span>";
     if (!logs[i].created.empty())
       text += " <span class=\"date\">(" + escapeHtml(logs[i].created) + ")</span>";
@@ -55,7 +55,7 @@ std::string escapeHtml(std::string_view text) {
 }
 
 void writeReportPage(std::ostream& out, std::string_view title, const std::vector<PageLog>& logs,
-                     std::string_view data) {
+                     std::string_view pairJoin, std::string_view data) {
   const std::string_view shell = reportShellText;
   size_t done = 0;
   for (size_t open = shell.find("{{"); open != std::string_view::npos;
@@ -68,7 +68,7 @@ void writeReportPage(std::ostream& out, std::string_view title, const std::vecto
     else if (slot == "title")
       out << escapeHtml(title);
     else if (slot == "logs")
-      out << describeLogs(logs);
+      out << describeLogs(logs, pairJoin);
     else if (slot == "style")
       out << reportStyleText;
     else if (slot == "script")

@@ -18,8 +18,9 @@ struct PageLog {
 // text with &, <, >, " and ' as HTML character references.
 std::string escapeHtml(std::string_view text);
 
-// Writes the page around data, which writeReportData wrote.
+// Writes the page around data, which writeReportData wrote. Two logs are joined by pairJoin
+// (" against " for a comparison, " to " for the first and last run of a history), more by ", ".
 void writeReportPage(std::ostream& out, std::string_view title, const std::vector<PageLog>& logs,
-                     std::string_view data);
+                     std::string_view pairJoin, std::string_view data);
 
 } // namespace kvt::profiling

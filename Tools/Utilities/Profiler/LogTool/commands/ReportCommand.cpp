@@ -2,6 +2,7 @@
 // report library's.
 #include "CommandLine.h"
 #include "ComparisonFlags.h"
+#include "HistoryRuns.h"
 #include "LogReadReport.h"
 #include "ReaderReports.h"
 #include "ReportBuild.h"
@@ -16,11 +17,44 @@ namespace {
 
 struct ReportCommandOptions {
   ReportOptions report;
+  HistoryRunOptions history; // its runs, when the page is a history's
   std::string outputPath;
   bool dataOnly = false;
 };
 
+// Writes report's page, or its data to the console.
+int writeReport(const ReportCommandOptions& options, const Report& report, ToolConsole& console) {
+  if (options.dataOnly) {
+    writeReportData(console.out, report.input);
+    return exitSuccess;
+  }
+  std::string failure;
+  if (!writeReportFile(options.outputPath, report, failure)) {
+    console.err << "kvt-profile-log report: cannot write " << options.outputPath << ": " << failure
+                << '\n';
+    return exitBadInput;
+  }
+  return exitSuccess;
+}
+
+// The history's options that the report shares with its other pages are taken from those.
+int runHistoryReport(ReportCommandOptions options, ToolConsole& console) {
+  options.history.skipFirst = options.report.statistics.skipFirst;
+  options.history.history.comparison = options.report.comparison;
+  std::optional<History> history =
+      readHistory(options.history, "kvt-profile-log report", console.err);
+  if (!history)
+    return exitBadInput;
+  const bool slowerInGate = history->totals.slowerInGate != 0;
+  const Report report = buildHistoryReport(
+      options.report.title, {std::move(*history), historyReportOptions(options.history)});
+  const int written = writeReport(options, report, console);
+  return written == exitSuccess && slowerInGate ? exitSlowerInGate : written;
+}
+
 int runReport(const ReportCommandOptions& options, ToolConsole& console) {
+  if (!options.history.runs.empty())
+    return runHistoryReport(options, console);
   Report report;
   {
     const ReaderReports reports;
@@ -33,17 +67,7 @@ int runReport(const ReportCommandOptions& options, ToolConsole& console) {
         return exitBadInput;
     }
   }
-  if (options.dataOnly) {
-    writeReportData(console.out, report.input);
-    return exitSuccess;
-  }
-  std::string failure;
-  if (!writeReportFile(options.outputPath, report, failure)) {
-    console.err << "kvt-profile-log report: cannot write " << options.outputPath << ": " << failure
-                << '\n';
-    return exitBadInput;
-  }
-  return exitSuccess;
+  return writeReport(options, report, console);
 }
 
 } // namespace
@@ -62,17 +86,27 @@ void addReportCommand(CLI::App& tool, CommandRun& run) {
       "each graph's run-wide shift) and, per series, both runs' histograms overlaid.\n"
       "The page is written beside OUT and renamed into place. With --partial, a run read\n"
       "partially says so in the page's data (its \"partial\": chunks and bytes read, and why\n"
-      "the rest was dropped).\n" +
+      "the rest was dropped).\n"
+      "With --history RUN... instead of LOG, the page of kvt-profile-log history: its series\n"
+      "by their latest change, each with its values per run and its changes marked, and per\n"
+      "series its chart; it takes history's options, and exits 3 like it.\n" +
       std::string(statisticsMemoryNote) +
       " With --base, both runs' values are kept at once.\n"
       "Exit status: 0 done, 1 unreadable log or unwritable output, 2 wrong command line.");
   const auto options = std::make_shared<ReportCommandOptions>();
-  command->add_option("LOG", options->report.logPath, "the log to report")
-      ->required()
-      ->check(nonEmpty());
+  CLI::Option* log =
+      command->add_option("LOG", options->report.logPath, "the log to report")->check(nonEmpty());
+  CLI::Option* runs = command
+                          ->add_option("--history", options->history.runs,
+                                       "the runs of a history to report instead, oldest first:\n"
+                                       "logs, stats JSON, @lists")
+                          ->option_text("RUN...")
+                          ->check(nonEmpty())
+                          ->excludes(log);
   command->add_option("--base", options->report.basePath, "the log of a base run to compare with")
       ->option_text("BASE")
-      ->check(nonEmpty());
+      ->check(nonEmpty())
+      ->excludes(runs);
   CLI::Option* output =
       command->add_option("-o", options->outputPath, "the page to write")->option_text("OUT");
   output->check(nonEmpty());
@@ -90,7 +124,10 @@ void addReportCommand(CLI::App& tool, CommandRun& run) {
   command->add_option("--title", options->report.title, "the page's title (default: LOG's name)")
       ->option_text("TEXT");
   addPartialFlag(*command, options->report.statistics.partial);
+  addHistoryRunOptions(*command, options->history);
   command->callback([options, &run] {
+    if (options->report.logPath.empty() && options->history.runs.empty())
+      throw CLI::RequiredError("LOG or --history");
     if (!options->dataOnly && options->outputPath.empty())
       throw CLI::RequiredError("-o");
     run.exitCode = runReport(*options, run.console);

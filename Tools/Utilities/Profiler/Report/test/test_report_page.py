@@ -53,6 +53,12 @@ def reports():
     scales = [argument for name, factor in PLANTED.items() for argument in ("--scale", f"{name}={factor}")]
     tool("synth", "-o", "new.log", *shape, "--noise-seed", 4, *scales, cwd=folder)
     tool("report", "new.log", "--base", "base.log", "-o", "pair.html", cwd=folder)
+    runs = sorted((GOLDEN / "history-step").glob("run*.json"))
+    for run in runs:
+        tool("build", "--chunks", run, "-o", folder / f"{run.stem}.log")
+    tool("report", "--history", *[f"{run.stem}.log" for run in runs], "-o", "history.html", cwd=folder)
+    tool("report", "--history", "report-input.log", "report-input.log", "-o", "hostile-history.html",
+         cwd=folder)
     return folder
 
 
@@ -328,6 +334,17 @@ def test_hostile_names_show_as_text(browser, reports):
     assert browser.find_element(By.ID, "status").text == "Copied 2 rows as CSV"
 
 
+def test_hostile_names_in_a_history_show_as_text(browser, reports):
+    page = reports / "hostile-history.html"
+    open_page(browser, page)
+    assert HOSTILE_GRAPH in column(browser, 1, "history-table")
+    rows(browser, "history-table")[0].click()
+    assert browser.find_element(By.ID, "series-detail").is_displayed()
+    assert browser.find_elements(By.TAG_NAME, "img") == []
+    assert "Too few runs" in browser.find_element(By.ID, "history").text
+    expect_quiet(browser, page)
+
+
 def test_the_url_keeps_the_view(browser, reports):
     page = reports / "steps.html"
     open_page(browser, page)
@@ -346,6 +363,44 @@ def test_the_url_keeps_the_view(browser, reports):
                             {"features": [{"name": "prefers-color-scheme", "value": "dark"}]})
     shoot(browser, "detail-dark")
     browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
+
+
+def test_a_history_sorts_by_latest_change_and_opens_a_chart(browser, reports):
+    page = reports / "history.html"
+    open_page(browser, page)
+    assert browser.find_element(By.CSS_SELECTOR, ".logs").text == (
+        "run00.log (2023-11-14 22:13 UTC) to run19.log (2023-12-03 22:13 UTC)")
+    latest = [text.split("at run ")[-1] for text in column(browser, 0, "history-table")]
+    changed = [int(run) for run in latest if run != "-"]
+    assert changed and changed == sorted(changed, reverse=True)
+    assert latest[len(changed):] == ["-"] * (len(latest) - len(changed))
+    first = browser.find_element(By.CSS_SELECTOR, "#history-table tr.slower")
+    marks = first.find_elements(By.CSS_SELECTOR, "svg.sparkline .change-mark")
+    assert marks and all(m.find_element(By.CSS_SELECTOR, "path.shape") for m in marks)
+    first.click()
+    detail = browser.find_element(By.ID, "series-detail")
+    assert detail.is_displayed()
+    assert browser.execute_script(
+        "return arguments[0].nextElementSibling.contains(arguments[1])", first, detail)
+    points = detail.find_elements(By.CSS_SELECTOR, "circle.point")
+    sources = [point.get_attribute("textContent").split(",")[0].split(": ") for point in points]
+    assert len(points) > 1 and all(f"run{int(run[4:]):02}.log" == source for run, source in sources)
+    assert len(detail.find_elements(By.CSS_SELECTOR, ".change-mark")) == len(marks)
+    url = browser.current_url
+    assert "series=" in url
+    shoot(browser, "history")
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia",
+                            {"features": [{"name": "prefers-color-scheme", "value": "dark"}]})
+    shoot(browser, "history-dark")
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
+    open_page(browser, page, url[url.index("#"):])
+    assert browser.find_element(By.ID, "series-detail").is_displayed()
+    browser.find_element(By.TAG_NAME, "body").send_keys(Keys.ESCAPE)
+    assert browser.find_elements(By.ID, "series-detail") == [] and "series=" not in browser.current_url
+    browser.find_element(By.TAG_NAME, "body").send_keys("/", "conv")
+    assert browser.find_element(By.ID, "history-filter").get_attribute("value") == "conv"
+    assert set(column(browser, 3, "history-table")) == {"Conv"}
+    expect_quiet(browser, page)
 
 
 def test_runs_without_steps_or_executions_say_so(browser, reports):

@@ -5,11 +5,12 @@
 'use strict';
 (function() {
 const data = JSON.parse(document.getElementById('report-data').textContent);
-const supportedSchema = 2;
+const supportedSchema = 3;
 const svgNs = 'http://www.w3.org/2000/svg';
 const topRows = 50;  // rows of a big table shown until "show all"
-const run = data.run;
+const run = data.run || {log: '', graphs: []};  // a history's page has no run
 const comparison = data.comparison || null;
+const historyData = data.history || null;
 const unit = data.unit || '';
 
 // ---- elements ----
@@ -169,7 +170,12 @@ const state = {
   cfilter: '',
   call: false,
   same: false,
-  row: null
+  row: null,
+  hsort: 'latest',
+  hdir: 'desc',
+  hfilter: '',
+  hall: false,
+  series: null
 };
 
 function readState() {
@@ -178,7 +184,17 @@ function readState() {
       (params.has(name) && /^\d+$/.test(params.get(name)) ? Number(params.get(name)) : null);
   const oneOf = (name, keys, fallback) =>
       (keys.includes(params.get(name)) ? params.get(name) : fallback);
-  state.view = params.get('view') === 'comparison' && comparison ? 'comparison' : 'steps';
+  state.view = historyData                                          ? 'history' :
+      params.get('view') === 'comparison' && comparison ? 'comparison' :
+                                                          'steps';
+  state.hsort = oneOf('hsort', historyColumns.map((c) => c.key), 'latest');
+  state.hdir = oneOf('hdir', ['asc', 'desc'], 'desc');
+  state.hfilter = params.get('hfilter') || '';
+  state.hall = params.get('hall') === '1';
+  state.series = historyData && number('series') !== null &&
+          number('series') < historyData.series.length ?
+      number('series') :
+      null;
   state.graph = Math.min(number('graph') || 0, Math.max(run.graphs.length - 1, 0));
   state.measure = oneOf('measure', ['span', 'wait'], 'span');
   state.sort = oneOf('sort', stepColumns.map((c) => c.key), 'share');
@@ -201,6 +217,15 @@ function readState() {
 
 function writeState() {
   const params = new URLSearchParams();
+  if (historyData) {
+    params.set('hsort', state.hsort);
+    params.set('hdir', state.hdir);
+    if (state.hfilter) params.set('hfilter', state.hfilter);
+    if (state.hall) params.set('hall', '1');
+    if (state.series !== null) params.set('series', state.series);
+    history.replaceState(null, '', '#' + params.toString());
+    return;
+  }
   if (state.view !== 'steps') params.set('view', state.view);
   params.set('graph', state.graph);
   if (state.measure !== 'span') params.set('measure', state.measure);
@@ -391,6 +416,28 @@ function toolbar(id, placeholder, onFilter, ...extras) {
   return {element: el('div', {class: 'toolbar'}, filter, extras, status), filter, status};
 }
 
+// Shows items sorted by column in dir, the top rows unless all, and says so on allButton; returns
+// the items shown.
+function showSorted(table, items, column, dir, all, allButton) {
+  const sorted = sortItems(items, column, dir);
+  const visible = all ? sorted : sorted.slice(0, topRows);
+  table.sortedBy(column.key, dir);
+  table.show(visible);
+  allButton.hidden = sorted.length <= topRows;
+  allButton.textContent = all ? `Show the top ${topRows}` : `Show all ${sorted.length}`;
+  return visible;
+}
+
+// The open panel of the item at index (none: null) under its row; a row filtered or folded away
+// opens it in host, above the table.
+function placePanel(table, index, panel, host) {
+  const underRow = table.placeDetail(index !== null ? {index} : null, panel);
+  if (index !== null && !underRow)
+    host.replaceChildren(panel);
+  else
+    host.replaceChildren();
+}
+
 function setFilterValue(input, value) {
   if (input.value !== value) input.value = value;
 }
@@ -445,7 +492,7 @@ function updateNav() {
 
 // A cut log read as far as it goes: said at the top, before any figure is read.
 function buildBanner() {
-  const cut = [[data.run.log, data.run.partial]];
+  const cut = data.run ? [[data.run.log, data.run.partial]] : [];
   if (data.comparison) cut.push([data.comparison.base, data.comparison.basePartial]);
   const partials = cut.filter(([, partial]) => partial);
   const banner = document.getElementById('banner');
@@ -652,13 +699,8 @@ function renderSteps() {
   measureSwitch.hidden = !graph.series.some((s) => s.kind === 'wait');
   const matching =
       items.filter((item) => matchesFilter(state.filter, item.series.name, item.series.parent));
-  const sorted = sortItems(
-      matching, stepColumns.find((c) => c.key === state.sort) || stepColumns[3], state.dir);
-  const visible = state.all ? sorted : sorted.slice(0, topRows);
-  table.sortedBy(state.sort, state.dir);
-  table.show(visible);
-  showAllSteps.hidden = sorted.length <= topRows;
-  showAllSteps.textContent = state.all ? `Show the top ${topRows}` : `Show all ${sorted.length}`;
+  const visible = showSorted(table, matching, stepColumns.find((c) => c.key === state.sort) ||
+                                 stepColumns[3], state.dir, state.all, showAllSteps);
   const noun = state.measure === 'wait' ? 'waits' : 'steps';
   stepsBar.status.textContent = `${visible.length} of ${items.length} ${noun}`;
   stepsNote.textContent = items.length === 0 ?
@@ -964,12 +1006,19 @@ function revealPanel(panel) {
   if (panel.isConnected) panel.scrollIntoView({block: 'nearest'});
 }
 
+// The table of the view shown, none before it is built.
+function shownTable() {
+  if (state.view === 'steps') return stepTable(run.graphs[state.graph], state.measure).table;
+  const view = state.view === 'history' ? historyView : comparisonView;
+  return view && view.table;
+}
+
 function closeDetail() {
-  const focused = state.view === 'steps' ? state.step : state.row;
+  const open = {steps: 'step', comparison: 'row', history: 'series'}[state.view];
+  const focused = state[open];
   if (focused === null) return;
-  update(state.view === 'steps' ? {step: null} : {row: null});
-  const table = state.view === 'steps' ? stepTable(run.graphs[state.graph], state.measure).table :
-                                         comparisonView && comparisonView.table;
+  update({[open]: null});
+  const table = shownTable();
   const row = table && table.rowOfIndex(focused);
   if (row && !row.hidden) row.focus({preventScroll: true});
 }
@@ -1169,17 +1218,13 @@ function renderComparison() {
           state.cfilter, item.row.name, item.row.parent, item.row.graph, item.row.kind));
   const folded = state.same ? 0 : matching.filter((item) => item.row.verdict === 'same').length;
   const unfolded = state.same ? matching : matching.filter((item) => item.row.verdict !== 'same');
-  const sorted = sortItems(
-      unfolded, comparisonColumns.find((c) => c.key === state.csort) || comparisonColumns[0],
-      state.cdir);
-  const visible = state.call ? sorted : sorted.slice(0, topRows);
-  table.sortedBy(state.csort, state.cdir);
-  table.show(visible);
+  const visible = showSorted(
+      table, unfolded,
+      comparisonColumns.find((c) => c.key === state.csort) || comparisonColumns[0], state.cdir,
+      state.call, allButton);
   const sameCount = matching.filter((item) => item.row.verdict === 'same').length;
   sameButton.hidden = sameCount === 0;
   sameButton.textContent = state.same ? 'Fold the same rows' : `Show ${sameCount} same rows`;
-  allButton.hidden = sorted.length <= topRows;
-  allButton.textContent = state.call ? `Show the top ${topRows}` : `Show all ${sorted.length}`;
   bar.status.textContent =
       `${visible.length} of ${items.length} series` + (folded ? `, ${folded} same folded` : '');
   note.textContent = matching.length === 0 ? 'No series matches the filter.' : '';
@@ -1248,17 +1293,261 @@ function renderOverlay(table) {
   const row = state.row !== null ? comparison.rows[state.row] : null;
   if (row && shownRow !== state.row) buildOverlayPanel(row);
   shownRow = row ? state.row : null;
-  const underRow = table.placeDetail(row ? {index: state.row} : null, overlayPanel);
-  const host = document.getElementById('overlay-host');
-  if (row && !underRow)
-    host.replaceChildren(overlayPanel);  // a row filtered or folded away opens above the table
-  else
-    host.replaceChildren();
+  placePanel(table, row ? state.row : null, overlayPanel, document.getElementById('overlay-host'));
 }
 
 function openRow(index) {
   update({row: index});
   if (index !== null) revealPanel(overlayPanel);
+}
+
+// ---- the history of runs ----
+
+const historyColumns = [
+  {
+    key: 'latest',
+    label: 'latest change',
+    text: true,
+    cellClass: 'verdict',
+    value: (i) => (i.latest ? i.latest.run : null),
+    cell: (i) => (i.latest ? `${verdictSigns[i.latest.verdict]} at run ${i.latest.run}` : '-')
+  },
+  {key: 'graph', label: 'graph', text: true, value: (i) => i.series.graph, format: formatText},
+  {key: 'series', label: 'series', text: true, value: (i) => i.series.series, format: formatText},
+  {key: 'name', label: 'name', text: true, value: (i) => i.series.name, format: formatText},
+  {key: 'parent', label: 'parent', text: true, value: (i) => i.series.parent, format: formatText},
+  {key: 'changes', label: 'changes', value: (i) => i.series.changes.length},
+  {
+    key: 'change',
+    label: 'change %',
+    value: (i) => (i.latest ? i.latest.changePercent : null),
+    format: formatSigned,
+    cellClass: 'change'
+  },
+  {key: 'last', label: 'last value', unit: true, value: (i) => i.last},
+];
+
+const runCount = historyData ? historyData.runs.length : 0;
+
+function runLabel(index) {
+  const runOf = historyData.runs[index];
+  const created = missing(runOf.created) ?
+      '' :
+      `, ${new Date(runOf.created / 1000).toISOString().slice(0, 16).replace('T', ' ')} UTC`;
+  return `run ${index}: ${runOf.source}${created}`;
+}
+
+function changeText(change) {
+  const sign = verdictSigns[change.verdict] || change.verdict;
+  return missing(change.changePercent) ? `${sign} at run ${change.run}` :
+                                         `${sign} at run ${change.run}, ${
+                                             formatChange(change.changePercent, change.interval)}`;
+}
+
+// The series' values as a line broken where a run has none.
+function valuePath(values, x, y) {
+  let path = '';
+  let drawing = false;
+  values.forEach((value, run) => {
+    if (missing(value)) {
+      drawing = false;
+      return;
+    }
+    path += `${drawing ? 'L' : 'M'} ${x(run).toFixed(1)} ${y(value).toFixed(1)} `;
+    drawing = true;
+  });
+  return path;
+}
+
+function valueRange(series) {
+  const values = series.values.filter((v) => !missing(v));
+  const low = values.length ? Math.min(...values) : 0;
+  const high = values.length ? Math.max(...values) : 1;
+  const pad = (high - low) * 0.08 || Math.max(high * 0.05, 1);
+  return [Math.max(low - pad, 0), high + pad];
+}
+
+// A change between two runs: a dashed line, and its verdict as a shape (up slower, down faster,
+// plus added, minus removed), so that it reads without its colour.
+function changeMark(change, x, top, bottom) {
+  const at = x(change.run - 0.5);
+  const shapes = {
+    slower: `M ${at - 4} ${top + 6} L ${at + 4} ${top + 6} L ${at} ${top} Z`,
+    faster: `M ${at - 4} ${top} L ${at + 4} ${top} L ${at} ${top + 6} Z`,
+    added: `M ${at - 4} ${top + 3} H ${at + 4} M ${at} ${top - 1} V ${top + 7}`,
+    removed: `M ${at - 4} ${top + 3} H ${at + 4}`
+  };
+  return svg(
+      'g', {class: `change-mark ${change.verdict}`}, tooltip(changeText(change)),
+      svg('line', {class: 'mark', x1: at, x2: at, y1: top, y2: bottom}),
+      svg('path', {class: 'shape', d: shapes[change.verdict] || shapes.removed}));
+}
+
+function drawSparkline(series, width) {
+  const height = 26;
+  const picture = svg('svg', {
+    width: width,
+    height: height,
+    viewBox: `0 0 ${width} ${height}`,
+    class: 'sparkline',
+    role: 'img',
+    'aria-label': series.changes.length ? series.changes.map(changeText).join('; ') : 'no change'
+  });
+  const [low, high] = valueRange(series);
+  const x = linearScale(0, Math.max(runCount - 1, 1), 6, width - 6);
+  const y = linearScale(low, high, height - 3, 9);
+  for (const change of series.changes) picture.append(changeMark(change, x, 0, height));
+  picture.append(svg('path', {class: 'values', d: valuePath(series.values, x, y)}));
+  return picture;
+}
+
+// The series' value per run, the median on either side of each change, and each change's
+// interval as a bar from the median before, its sources in each point's tooltip.
+function drawHistoryChart(series) {
+  const picture =
+      frame(`values of ${series.name} per run`, 'run', `${historyData.figure}, ${unit}`);
+  const [low, high] = valueRange(series);
+  const bounds = [low, high];
+  for (const change of series.changes)
+    if (change.interval && !missing(change.before))
+      bounds.push(...change.interval.map((p) => change.before * (1 + p / 100)));
+  const bottom = Math.max(Math.min(...bounds), 0);
+  const top = Math.max(...bounds);
+  const x = linearScale(0, Math.max(runCount - 1, 1), plot.left + 10, plot.width - plot.right - 10);
+  const y = linearScale(bottom, top, plot.height - plot.bottom, plot.top + 4);
+  yTicks(picture, linearTicks(bottom, top, 4), y, formatValue);  // runs differ by little: whole digits
+  xTicks(picture, linearTicks(0, Math.max(runCount - 1, 1), 6).filter(Number.isInteger), x,
+         formatShort);
+  const bottomY = plot.height - plot.bottom;
+  series.changes.forEach((change, i) => {
+    picture.append(changeMark(change, x, plot.top - 12, bottomY));
+    const from = i ? series.changes[i - 1].run - 0.5 : 0;
+    const to = i + 1 < series.changes.length ? series.changes[i + 1].run - 0.5 : runCount - 1;
+    const level = (value, a, b) => (missing(value) ? null : svg('line', {
+      class: 'level',
+      x1: x(a),
+      x2: x(b),
+      y1: y(value),
+      y2: y(value)
+    }));
+    picture.append(level(change.before, from, change.run - 0.5),
+                   level(change.after, change.run - 0.5, to));
+    if (change.interval && !missing(change.before)) {
+      const [a, b] = change.interval.map((p) => y(change.before * (1 + p / 100)));
+      const at = x(change.run - 0.5) + 6;
+      const bar = `M ${at - 3} ${a} H ${at + 3} M ${at} ${a} V ${b} M ${at - 3} ${b} H ${at + 3}`;
+      picture.append(svg('path', {class: `interval ${change.verdict}`, d: bar},
+                         tooltip(`interval of the change: ${formatInterval(change.interval)}`)));
+    }
+  });
+  picture.append(svg('path', {class: 'values', d: valuePath(series.values, x, y)}));
+  const dots = svg('g', {});
+  series.values.forEach((value, run) => {
+    if (!missing(value))
+      dots.append(svg('circle',
+                      {class: 'point', cx: x(run).toFixed(1), cy: y(value).toFixed(1), r: 3},
+                      tooltip(`${runLabel(run)}: ${withUnit(value)}`)));
+  });
+  picture.append(dots);
+  return picture;
+}
+
+let historyView = null;  // built when first shown
+let shownSeries = null;
+const seriesPanel = el('div', {id: 'series-detail', class: 'panel'});
+
+function buildSeriesPanel(series) {
+  seriesPanel.replaceChildren(
+      el('header', {}, el('h3', {}, `${series.name} (${series.series} of ${series.graph}${
+                                        series.parent !== null ? ` under ${series.parent}` : ''})`),
+         closeButton('close-series', () => closeDetail())),
+      el('ul', {class: 'figures'},
+         series.changes.map((change) => figure('change', changeText(change)))),
+      el('figure', {}, drawHistoryChart(series),
+         el('figcaption', {},
+            `Each run\u2019s ${historyData.figure} over its counted executions (hover a point ` +
+                'for its run\u2019s source); solid lines: the median of the runs on either side ' +
+                'of a change; the bar beside a change: its interval from the median before. ' +
+                'Each history run keeps one figure, so no band of its executions is drawn.')));
+}
+
+function buildHistory() {
+  const totals = historyData.totals;
+  const items = historyData.series.map((series, index) => {
+    const values = series.values.filter((v) => !missing(v));
+    return {
+      series,
+      index,
+      latest: series.changes.length ? series.changes[series.changes.length - 1] : null,
+      last: values.length ? values[values.length - 1] : null
+    };
+  });
+  const width = 260;
+  const table = liveTable({
+    id: 'history-table',
+    columns: historyColumns,
+    picture: {
+      header: el('span', {}, `${historyData.figure} per run, ${runCount} runs`),
+      draw: (item) => drawSparkline(item.series, width)
+    },
+    rowClass: (item) => (item.latest ? [item.latest.verdict] : []),
+    onSort: (column) =>
+        update({hsort: column.key, hdir: nextDirection(column, state.hsort, state.hdir)}),
+    onOpen: (item) => openSeries(item.index === state.series ? null : item.index)
+  });
+  const bar =
+      toolbar('history-filter', 'Filter series by name', (value) => update({hfilter: value}));
+  const allButton = button('show-all-series', '', () => update({hall: !state.hall}));
+  bar.element.insertBefore(allButton, bar.status);
+  bar.status.id = 'history-status';
+  const runWide = historyData.graphs.map(
+      (g) => figure(`run-wide changes of ${g.graph}`,
+                    g.runWide.length ? g.runWide.map(changeText).join('; ') : 'none'));
+  const note = el('p', {class: 'note'});
+  document.getElementById('history').replaceChildren(
+      el('ul', {class: 'figures'}, figure('runs', formatValue(runCount)),
+         ['series', 'slower', 'faster', 'added', 'removed'].map(
+             (key) => figure(verdictSigns[key] || key, formatValue(totals[key]))),
+         figure(`slower in the last ${historyData.gate} runs`, formatValue(totals.slowerInGate)),
+         runWide),
+      el('p', {class: 'note'},
+         historyData.tooFewRuns ?
+             `Too few runs to find a change: at least ${2 * historyData.minRuns} are needed.` :
+             'A change is slower or faster when its rank test, Holm-adjusted over the history, ' +
+                 `is below ${historyData.alpha} and its shift exceeds ${historyData.threshold} % ` +
+                 `with at least ${historyData.minRuns} runs on each side` +
+                 (historyData.relative ? ', net of its graph\u2019s run-wide factor' : '') +
+                 '. Rows by their latest change; click one for its chart.'),
+      bar.element, el('div', {id: 'series-host'}), table.element, note);
+  historyView = {table, items, bar, allButton, note};
+}
+
+function renderHistory() {
+  const section = document.getElementById('history');
+  section.hidden = state.view !== 'history';
+  if (section.hidden) return;
+  if (!historyView) buildHistory();
+  const {table, items, bar, allButton, note} = historyView;
+  setFilterValue(bar.filter, state.hfilter);
+  const matching = items.filter(
+      (item) => matchesFilter(state.hfilter, item.series.name, item.series.parent,
+                              item.series.graph, item.series.series));
+  const visible = showSorted(
+      table, matching, historyColumns.find((c) => c.key === state.hsort) || historyColumns[0],
+      state.hdir, state.hall, allButton);
+  bar.status.textContent = `${visible.length} of ${items.length} series`;
+  note.textContent = matching.length === 0 ? 'No series matches the filter.' : '';
+  note.hidden = !note.textContent;
+  const series = state.series !== null ? historyData.series[state.series] : null;
+  if (series && shownSeries !== state.series) buildSeriesPanel(series);
+  shownSeries = series ? state.series : null;
+  placePanel(table, series ? state.series : null, seriesPanel,
+             document.getElementById('series-host'));
+}
+
+function openSeries(index) {
+  update({series: index});
+  if (index !== null) revealPanel(seriesPanel);
 }
 
 // ---- keys and start ----
@@ -1268,11 +1557,11 @@ function apply() {
   renderGraphHeader();
   renderSteps();
   renderComparison();
+  renderHistory();
 }
 
 function moveSelection(step) {
-  const table = state.view === 'steps' ? stepTable(run.graphs[state.graph], state.measure).table :
-                                         comparisonView && comparisonView.table;
+  const table = shownTable();
   const rows = table ? table.shownRows() : [];
   if (!rows.length) return;
   const at = rows.indexOf(document.activeElement);
@@ -1286,7 +1575,8 @@ document.addEventListener('keydown', (event) => {
   }
   if (event.key === '/') {
     event.preventDefault();
-    document.getElementById(state.view === 'steps' ? 'filter' : 'comparison-filter').focus();
+    const filters = {steps: 'filter', comparison: 'comparison-filter', history: 'history-filter'};
+    document.getElementById(filters[state.view]).focus();
   } else if (event.key === 'Escape') {
     closeDetail();
   } else if (event.key === 'j') {
