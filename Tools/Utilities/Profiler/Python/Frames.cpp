@@ -244,20 +244,17 @@ py::object makeComparisonFrame(const Comparison& comparison) {
 }
 
 py::list describeGraphShifts(const Comparison& comparison) {
-  auto orNone = [](std::optional<double> value) -> py::object {
-    return value ? py::object(py::float_(*value)) : py::object(py::none());
-  };
   py::list graphs;
   for (const GraphShift& graph : comparison.graphs) {
     const Interval* interval =
         graph.change && graph.change->interval ? &*graph.change->interval : nullptr;
     py::dict shift;
     shift["name"] = decodeText(graph.name);
-    shift["shift"] = orNone(graph.shift ? std::optional(graph.shift->units) : std::nullopt);
+    shift["shift"] = floatOrNone(graph.shift ? std::optional(graph.shift->units) : std::nullopt);
     shift["change_percent"] =
-        orNone(graph.change ? std::optional(graph.change->percent) : std::nullopt);
-    shift["interval_low"] = orNone(interval ? std::optional(interval->low) : std::nullopt);
-    shift["interval_high"] = orNone(interval ? std::optional(interval->high) : std::nullopt);
+        floatOrNone(graph.change ? std::optional(graph.change->percent) : std::nullopt);
+    shift["interval_low"] = floatOrNone(interval ? std::optional(interval->low) : std::nullopt);
+    shift["interval_high"] = floatOrNone(interval ? std::optional(interval->high) : std::nullopt);
     shift["ratio"] = graph.ratio;
     shift["step_series"] = graph.stepSeries;
     graphs.append(shift);
@@ -266,15 +263,14 @@ py::list describeGraphShifts(const Comparison& comparison) {
 }
 
 py::dict describeTotals(const ComparisonTotals& totals) {
-  py::dict described;
-  described["slower"] = totals.slower;
-  described["faster"] = totals.faster;
-  described["same"] = totals.same;
-  described["unsure"] = totals.unsure;
-  described["added"] = totals.added;
-  described["removed"] = totals.removed;
-  described["tested"] = totals.tested;
-  return described;
+  using Totals = ComparisonTotals;
+  return describeCounts(totals, {{"slower", &Totals::slower},
+                                 {"faster", &Totals::faster},
+                                 {"same", &Totals::same},
+                                 {"unsure", &Totals::unsure},
+                                 {"added", &Totals::added},
+                                 {"removed", &Totals::removed},
+                                 {"tested", &Totals::tested}});
 }
 
 } // namespace kvt::profiling

@@ -46,22 +46,18 @@ keyColumns(const History& history, const std::vector<Row>& rows, RunOf runOf) {
        })}};
 }
 
-py::object orNone(std::optional<double> value) {
-  return value ? py::object(py::float_(*value)) : py::object(py::none());
-}
-
 py::dict describeChange(const HistoryChange& change) {
   py::dict described;
   described["run"] = change.run;
-  described["before"] = orNone(change.before);
-  described["after"] = orNone(change.after);
-  described["change_percent"] = orNone(change.changePercent);
+  described["before"] = floatOrNone(change.before);
+  described["after"] = floatOrNone(change.after);
+  described["change_percent"] = floatOrNone(change.changePercent);
   described["interval_low"] =
-      orNone(change.interval ? std::optional(change.interval->low) : std::nullopt);
+      floatOrNone(change.interval ? std::optional(change.interval->low) : std::nullopt);
   described["interval_high"] =
-      orNone(change.interval ? std::optional(change.interval->high) : std::nullopt);
-  described["p_adjusted"] = orNone(change.pAdjusted);
-  described["q_value"] = orNone(change.qValue);
+      floatOrNone(change.interval ? std::optional(change.interval->high) : std::nullopt);
+  described["p_adjusted"] = floatOrNone(change.pAdjusted);
+  described["q_value"] = floatOrNone(change.qValue);
   described["verdict"] = verdictName(change.verdict);
   return described;
 }
@@ -134,7 +130,7 @@ py::list describeHistoryGraphs(const History& history) {
   for (const HistoryGraph& graph : history.graphs) {
     py::list factors;
     for (const std::optional<double>& factor : graph.runFactor)
-      factors.append(orNone(factor));
+      factors.append(floatOrNone(factor));
     py::list changes;
     for (const HistoryChange& change : graph.runWide)
       changes.append(describeChange(change));
@@ -148,17 +144,16 @@ py::list describeHistoryGraphs(const History& history) {
 }
 
 py::dict describeHistoryTotals(const HistoryTotals& totals) {
-  py::dict described;
-  described["series"] = totals.series;
-  described["changes"] = totals.changes;
-  described["slower"] = totals.slower;
-  described["faster"] = totals.faster;
-  described["added"] = totals.added;
-  described["removed"] = totals.removed;
-  described["run_wide"] = totals.runWide;
-  described["slower_in_gate"] = totals.slowerInGate;
-  described["tested"] = totals.tested;
-  return described;
+  using Totals = HistoryTotals;
+  return describeCounts(totals, {{"series", &Totals::series},
+                                 {"changes", &Totals::changes},
+                                 {"slower", &Totals::slower},
+                                 {"faster", &Totals::faster},
+                                 {"added", &Totals::added},
+                                 {"removed", &Totals::removed},
+                                 {"run_wide", &Totals::runWide},
+                                 {"slower_in_gate", &Totals::slowerInGate},
+                                 {"tested", &Totals::tested}});
 }
 
 } // namespace kvt::profiling

@@ -312,7 +312,8 @@ PYBIND11_MODULE(kvtprofile, module) {
   using namespace kvt::profiling;
   module.doc() =
       "Profiling logs as pandas data frames: every execution's values (executions), each "
-      "series' figures (stats), and the reader's own summary and trace. Values are in the "
+      "series' figures (stats), the changes between two runs (compare) and across a history of "
+      "runs (history), and the reader's own summary and trace. Values are in the "
       "log's unit, shown as microseconds; a frame's attrs name it.";
   // Every function hands back pandas objects; importing it here keeps its import out of the
   // first call.
