@@ -268,6 +268,7 @@ HistoryResult readHistory(const LogsArgument& runsArgument, const TextArgument& 
   std::optional<HistoryInputError> unread;
   {
     const py::gil_scoped_release released;
+    clearReaderMessages();
     unread = readHistoryRuns(paths, reading, runs);
   }
   if (unread)
