@@ -262,6 +262,15 @@ def test_history_frames_agree_with_the_tools_json_and_csv(case, output, words):
             assert all(agree(change[name], value) for name, value in flat(printed_change).items())
 
 
+def test_too_few_runs_are_said_and_give_values_but_no_change():
+    # 5 runs, a change needs 3 on each side: as the golden table history-step/too-few-runs says.
+    runs = sorted((LOG_DIR / "history-step").glob("run*.log"))[:5]
+    changes, values = kvtprofile.history(runs)
+    assert changes.attrs["too_few_runs"] and len(changes) == 0
+    assert sorted(values.run.unique()) == [0, 1, 2, 3, 4]
+    assert not kvtprofile.history(runs, min_runs=2).changes.attrs["too_few_runs"]
+
+
 def golden_refused_histories():
     """(case, runs, options, the LogError's message) of every golden `history` that exits 1 on a
     run or list of its folder; the tool's message is "cannot read the run PATH: WHY" or "the run
