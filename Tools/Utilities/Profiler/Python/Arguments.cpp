@@ -29,7 +29,7 @@ std::filesystem::path readPath(py::handle value, const std::string& name) {
   return text.cast<std::filesystem::path>();
 }
 
-LogPaths readLogPaths(py::handle value, const std::string& name) {
+LogPaths readLogPaths(py::handle value, const std::string& name, bool allowRepeats) {
   if (isPathLike(value))
     return {{readPath(value, name)}, false};
   if (!py::hasattr(value, "__iter__"))
@@ -39,7 +39,7 @@ LogPaths readLogPaths(py::handle value, const std::string& name) {
   for (const py::handle item : py::iter(value)) {
     const std::string itemName = name + "[" + std::to_string(logs.paths.size()) + "]";
     std::filesystem::path path = readPath(item, itemName);
-    if (!seen.insert(path).second)
+    if (!seen.insert(path).second && !allowRepeats)
       throw py::value_error(name + " names " + path.string() + " twice");
     logs.paths.push_back(std::move(path));
   }
@@ -74,6 +74,12 @@ bool readFlag(py::handle value, const std::string& name) {
   if (!PyBool_Check(value.ptr()))
     refuseType(name, "True or False", value);
   return value.ptr() == Py_True;
+}
+
+std::string readText(py::handle value, const std::string& name) {
+  if (!PyUnicode_Check(value.ptr()))
+    refuseType(name, "a str", value);
+  return value.cast<std::string>();
 }
 
 } // namespace kvt::profiling

@@ -21,29 +21,38 @@ struct LogPaths {
 
 // An argument as Python passed it, checked by the read function of its kind; help() shows the
 // kind's Python type in the function's signature instead of pybind11's "handle".
-enum class ArgumentKind { path, logs, integer, number, flag };
+enum class ArgumentKind { path, logs, integer, number, flag, text };
 template <ArgumentKind Kind> struct Argument { py::object value; };
 using PathArgument = Argument<ArgumentKind::path>;
 using LogsArgument = Argument<ArgumentKind::logs>;
 using IntegerArgument = Argument<ArgumentKind::integer>;
 using NumberArgument = Argument<ArgumentKind::number>;
 using FlagArgument = Argument<ArgumentKind::flag>;
+using TextArgument = Argument<ArgumentKind::text>;
 
 // A function's result as Python receives it; help() shows it as a data frame.
 struct FrameResult {
   py::object value;
 };
 
+// A function's result as Python receives it; help() shows it as kvtprofile.History, the named
+// tuple of a history's two frames.
+struct HistoryResult {
+  py::object value;
+};
+
 // TypeError "NAME takes WHAT, not TYPE" unless the value is of the kind; ValueError for an empty
-// list or a path named twice.
+// list, or a path named twice unless repeats are allowed (a run of a history may come back).
 std::filesystem::path readPath(py::handle value, const std::string& name);
-LogPaths readLogPaths(py::handle value, const std::string& name);
+LogPaths readLogPaths(py::handle value, const std::string& name, bool allowRepeats = false);
 // An int (or an object with __index__), not a bool; ValueError beyond 64 bits.
 int64_t readInteger(py::handle value, const std::string& name);
 // An int or float (or an object with __float__), not a bool.
 double readNumber(py::handle value, const std::string& name);
 // True or False.
 bool readFlag(py::handle value, const std::string& name);
+// A str.
+std::string readText(py::handle value, const std::string& name);
 
 } // namespace kvt::profiling
 
@@ -65,6 +74,9 @@ template <> struct ArgumentTypeName<kvt::profiling::ArgumentKind::number> {
 template <> struct ArgumentTypeName<kvt::profiling::ArgumentKind::flag> {
   static constexpr auto name = const_name("bool");
 };
+template <> struct ArgumentTypeName<kvt::profiling::ArgumentKind::text> {
+  static constexpr auto name = const_name("str");
+};
 
 // Takes any object: the read functions check it, with messages that name the argument.
 template <kvt::profiling::ArgumentKind Kind> struct type_caster<kvt::profiling::Argument<Kind>> {
@@ -83,6 +95,14 @@ template <> struct type_caster<kvt::profiling::FrameResult> {
   bool load(handle, bool) { return false; }
   static handle cast(const kvt::profiling::FrameResult& frame, return_value_policy, handle) {
     return frame.value.inc_ref();
+  }
+};
+
+template <> struct type_caster<kvt::profiling::HistoryResult> {
+  PYBIND11_TYPE_CASTER(kvt::profiling::HistoryResult, const_name("kvtprofile.History"));
+  bool load(handle, bool) { return false; }
+  static handle cast(const kvt::profiling::HistoryResult& result, return_value_policy, handle) {
+    return result.value.inc_ref();
   }
 };
 

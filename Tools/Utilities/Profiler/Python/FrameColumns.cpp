@@ -35,6 +35,10 @@ void requireInt64(uint64_t value, const std::string& what, const std::string& wh
   throw py::error_already_set();
 }
 
+py::object floatOrNone(std::optional<double> value) {
+  return value ? py::object(py::float_(*value)) : py::object(py::none());
+}
+
 py::object makeFrame(const std::vector<std::pair<const char*, py::object>>& columns) {
   py::dict data;
   for (const auto& [name, column] : columns)

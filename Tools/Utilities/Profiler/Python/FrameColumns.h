@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -87,6 +88,19 @@ py::object optionalIntegerColumn(const std::vector<Row>& rows, Number number) {
     *absent++ = !figure;
   }
   return makeNullableIntegers(values, missing);
+}
+
+// A float, or None for a missing value, as JSON has null.
+py::object floatOrNone(std::optional<double> value);
+
+// A dict of counts, a key per field of counts: {"slower": counts.slower, ...}.
+template <typename Counts>
+py::dict describeCounts(const Counts& counts,
+                        std::initializer_list<std::pair<const char*, uint64_t Counts::*>> fields) {
+  py::dict described;
+  for (const auto& [name, field] : fields)
+    described[name] = counts.*field;
+  return described;
 }
 
 // A frame of the named columns, in order, sharing their arrays.

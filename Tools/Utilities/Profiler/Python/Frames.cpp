@@ -48,14 +48,6 @@ py::object categoricalColumn(ChunkedColumn<Value>& codes, const std::vector<std:
   return makeCategorical(moveColumn<int32_t>(codes), names);
 }
 
-// Every kind is a category of every frame's series column, present or not.
-std::vector<std::string> listSeriesKinds() {
-  std::vector<std::string> kinds;
-  for (int kind = 0; kind < seriesKindCount; ++kind)
-    kinds.emplace_back(seriesKindName(SeriesKind(kind)));
-  return kinds;
-}
-
 template <typename Row, typename Kind>
 py::object seriesColumn(const std::vector<Row>& rows, Kind kind) {
   return makeCategorical(numberColumn<int8_t>(rows, kind), listSeriesKinds());
@@ -118,6 +110,20 @@ void requireInt64Figures(const SeriesFigureRow& row, const std::string& log) {
 }
 
 } // namespace
+
+std::vector<std::string> listSeriesKinds() {
+  std::vector<std::string> kinds;
+  for (int kind = 0; kind < seriesKindCount; ++kind)
+    kinds.emplace_back(seriesKindName(SeriesKind(kind)));
+  return kinds;
+}
+
+std::vector<std::string> listVerdicts() {
+  std::vector<std::string> verdicts;
+  for (int verdict = 0; verdict < verdictCount; ++verdict)
+    verdicts.emplace_back(verdictName(Verdict(verdict)));
+  return verdicts;
+}
 
 py::object makeExecutionsFrame(ExecutionColumns& columns, const FrameLogs& logs) {
   if (const std::optional<OversizedValue>& oversized = columns.firstOversized)
@@ -192,9 +198,6 @@ py::object makeComparisonFrame(const Comparison& comparison) {
       return (*row.change->interval).*end;
     };
   };
-  std::vector<std::string> verdicts;
-  for (int verdict = 0; verdict < verdictCount; ++verdict)
-    verdicts.emplace_back(verdictName(Verdict(verdict)));
   return makeFrame(
       {{"graph",
         textColumn(rows,
@@ -228,7 +231,7 @@ py::object makeComparisonFrame(const Comparison& comparison) {
        {"q_value", optionalDoubleColumn(rows, [](const Row& row) { return row.qValue; })},
        {"verdict", makeCategorical(numberColumn<int8_t>(
                                        rows, [](const Row& row) { return int8_t(row.verdict); }),
-                                   verdicts, true)},
+                                   listVerdicts(), true)},
        {"needed_base", optionalIntegerColumn(rows,
                                              [](const Row& row) {
                                                return row.needed ? std::optional(row.needed->base -
@@ -241,20 +244,17 @@ py::object makeComparisonFrame(const Comparison& comparison) {
 }
 
 py::list describeGraphShifts(const Comparison& comparison) {
-  auto orNone = [](std::optional<double> value) -> py::object {
-    return value ? py::object(py::float_(*value)) : py::object(py::none());
-  };
   py::list graphs;
   for (const GraphShift& graph : comparison.graphs) {
     const Interval* interval =
         graph.change && graph.change->interval ? &*graph.change->interval : nullptr;
     py::dict shift;
     shift["name"] = decodeText(graph.name);
-    shift["shift"] = orNone(graph.shift ? std::optional(graph.shift->units) : std::nullopt);
+    shift["shift"] = floatOrNone(graph.shift ? std::optional(graph.shift->units) : std::nullopt);
     shift["change_percent"] =
-        orNone(graph.change ? std::optional(graph.change->percent) : std::nullopt);
-    shift["interval_low"] = orNone(interval ? std::optional(interval->low) : std::nullopt);
-    shift["interval_high"] = orNone(interval ? std::optional(interval->high) : std::nullopt);
+        floatOrNone(graph.change ? std::optional(graph.change->percent) : std::nullopt);
+    shift["interval_low"] = floatOrNone(interval ? std::optional(interval->low) : std::nullopt);
+    shift["interval_high"] = floatOrNone(interval ? std::optional(interval->high) : std::nullopt);
     shift["ratio"] = graph.ratio;
     shift["step_series"] = graph.stepSeries;
     graphs.append(shift);
@@ -263,15 +263,14 @@ py::list describeGraphShifts(const Comparison& comparison) {
 }
 
 py::dict describeTotals(const ComparisonTotals& totals) {
-  py::dict described;
-  described["slower"] = totals.slower;
-  described["faster"] = totals.faster;
-  described["same"] = totals.same;
-  described["unsure"] = totals.unsure;
-  described["added"] = totals.added;
-  described["removed"] = totals.removed;
-  described["tested"] = totals.tested;
-  return described;
+  using Totals = ComparisonTotals;
+  return describeCounts(totals, {{"slower", &Totals::slower},
+                                 {"faster", &Totals::faster},
+                                 {"same", &Totals::same},
+                                 {"unsure", &Totals::unsure},
+                                 {"added", &Totals::added},
+                                 {"removed", &Totals::removed},
+                                 {"tested", &Totals::tested}});
 }
 
 } // namespace kvt::profiling

@@ -23,6 +23,11 @@ struct FrameLogs {
   bool column = false;
 };
 
+// The categories of every frame's series column, each kind present or not, and of its verdict
+// column, an ordered categorical: slower < faster < same < unsure < added < removed.
+std::vector<std::string> listSeriesKinds();
+std::vector<std::string> listVerdicts();
+
 // graph, series, name, parent, occurrence, execution, value (then log); the columns are emptied
 // as they are copied, so the rows are never held twice. Called with the GIL held; it releases it
 // for the copies. Raises OverflowError, naming the value, when some value exceeds 2^63 - 1.

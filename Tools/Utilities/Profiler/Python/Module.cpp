@@ -3,7 +3,9 @@
 #include "Arguments.h"
 #include "FrameColumns.h"
 #include "Frames.h"
+#include "HistoryFrames.h"
 #include "ReaderFailure.h"
+#include "history/HistoryInputs.h"
 #include "plugin/KvtProfileLogReader.h"
 #include "statistics/StatisticsPass.h"
 #include "tables/ExecutionColumns.h"
@@ -12,8 +14,10 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl/filesystem.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
+#include <thread>
 
 namespace kvt::profiling {
 
@@ -193,6 +197,100 @@ FrameResult readComparison(const PathArgument& basePath, const PathArgument& new
   return {frame};
 }
 
+HistoryFigure readFigure(const TextArgument& argument) {
+  const std::string name = readText(argument.value, "figure");
+  for (const HistoryFigure figure : {HistoryFigure::p50, HistoryFigure::p90, HistoryFigure::mean})
+    if (historyFigureName(figure) == name)
+      return figure;
+  throw py::value_error("figure must be p50, p90 or mean, not " +
+                        py::repr(argument.value).cast<std::string>());
+}
+
+// The ranges of the command's --min-runs and --gate.
+uint64_t readMinRuns(const IntegerArgument& argument) {
+  const int64_t minRuns = readInteger(argument.value, "min_runs");
+  if (minRuns < 1 || minRuns > int64_t(UINT32_MAX))
+    throw py::value_error("min_runs must be from 1 to " + std::to_string(UINT32_MAX) + ", not " +
+                          std::to_string(minRuns));
+  return uint64_t(minRuns);
+}
+
+uint64_t readGate(const IntegerArgument& argument) {
+  const int64_t gate = readInteger(argument.value, "gate");
+  if (gate < 0)
+    throw py::value_error("gate must be 0 or more, not " + std::to_string(gate));
+  return uint64_t(gate);
+}
+
+[[noreturn]] void throwRunFailure(const HistoryInputError& error) {
+  throw LogFailure(error.path + ": " + error.problem);
+}
+
+// The attrs both frames of a history carry.
+py::dict describeHistory(const History& history, const HistoryReadOptions& reading) {
+  const HistoryOptions& judged = history.options;
+  py::dict attrs;
+  attrs["unit"] = logUnit;
+  attrs["figure"] = std::string(historyFigureName(reading.figure));
+  attrs["skip_first"] = reading.skipFirst;
+  attrs["alpha"] = judged.comparison.alpha;
+  attrs["threshold"] = judged.comparison.thresholdPercent;
+  attrs["min_change"] = judged.comparison.minChangeUnits;
+  attrs["min_runs"] = judged.minRuns;
+  attrs["relative"] = judged.comparison.relative;
+  attrs["gate"] = judged.gate;
+  attrs["too_few_runs"] = history.tooFewRuns;
+  attrs["runs"] = describeHistoryRuns(history);
+  attrs["graphs"] = describeHistoryGraphs(history);
+  attrs["totals"] = describeHistoryTotals(history.totals);
+  return attrs;
+}
+
+HistoryResult readHistory(const LogsArgument& runsArgument, const TextArgument& figure,
+                          const IntegerArgument& skipFirst, const NumberArgument& alpha,
+                          const NumberArgument& threshold, const NumberArgument& minChange,
+                          const FlagArgument& relative, const IntegerArgument& minRuns,
+                          const IntegerArgument& gate) {
+  const LogPaths given = readLogPaths(runsArgument.value, "runs", true);
+  const HistoryReadOptions reading{readFigure(figure), readSkipFirst(skipFirst),
+                                   std::max(1u, std::thread::hardware_concurrency())};
+  const HistoryOptions options{readComparisonOptions(alpha, threshold, minChange, relative),
+                               readMinRuns(minRuns), readGate(gate)};
+  std::vector<std::string> arguments;
+  for (const Path& path : given.paths)
+    arguments.push_back(path.string());
+  std::vector<std::string> paths;
+  if (const std::optional<HistoryInputError> error = expandRunLists(arguments, paths))
+    throwRunFailure(*error);
+  for (const std::string& path : paths)
+    requireExistingFile(path);
+  std::vector<RunSeriesFigures> runs;
+  std::optional<HistoryInputError> unread;
+  {
+    const py::gil_scoped_release released;
+    clearReaderMessages();
+    unread = readHistoryRuns(paths, reading, runs);
+  }
+  if (unread)
+    throwRunFailure(*unread);
+  if (const std::optional<size_t> alone = findRunSharingNoSeries(runs))
+    throw LogFailure(runs[*alone].source +
+                     (runs[*alone].series.empty()
+                          ? " has no series: neither a log with executions nor a stats JSON with "
+                            "graphs"
+                          : " shares no series with the other runs"));
+  History history;
+  {
+    const py::gil_scoped_release released;
+    history = buildHistory(std::move(runs), options);
+  }
+  py::object changes = makeHistoryChangesFrame(history);
+  changes.attr("attrs") = describeHistory(history, reading);
+  py::object values = makeHistoryValuesFrame(history);
+  values.attr("attrs") = describeHistory(history, reading);
+  return {py::module_::import("kvtprofile").attr("History")(changes, values)};
+}
+
 // What the reader prints, as the viewer shows it, goes to this call's own stream: calls on other
 // threads run side by side.
 template <typename Reader> std::string runReader(const Path& path, const std::string& outputPath) {
@@ -215,7 +313,8 @@ PYBIND11_MODULE(kvtprofile, module) {
   using namespace kvt::profiling;
   module.doc() =
       "Profiling logs as pandas data frames: every execution's values (executions), each "
-      "series' figures (stats), and the reader's own summary and trace. Values are in the "
+      "series' figures (stats), the changes between two runs (compare) and across a history of "
+      "runs (history), and the reader's own summary and trace. Values are in the "
       "log's unit, shown as microseconds; a frame's attrs name it.";
   // Every function hands back pandas objects; importing it here keeps its import out of the
   // first call.
@@ -321,6 +420,64 @@ and relative are the command's --alpha, --threshold, --min-change and --relative
 defaults and checks. Raises LogError as executions() does, its first line opened by "base log"
 or "new log"; FileNotFoundError, OverflowError (a median above 2^63 - 1), TypeError and
 ValueError too.)");
+
+  module.attr("History") = py::module_::import("collections")
+                               .attr("namedtuple")("History", py::make_tuple("changes", "values"),
+                                                   py::arg("module") = "kvtprofile");
+  module.attr("History").attr("__doc__") =
+      "The frames of a history of runs: changes, a row per change of a series, and values, a "
+      "row per series and run with a value (see help(kvtprofile.history)).";
+  const HistoryOptions historyDefaults;
+  module.def("history", &readHistory, py::arg("runs"), py::kw_only(), py::arg("figure") = "p50",
+             py::arg("skip_first") = 0, py::arg("alpha") = historyDefaults.comparison.alpha,
+             py::arg("threshold") = historyDefaults.comparison.thresholdPercent,
+             py::arg("min_change") = historyDefaults.comparison.minChangeUnits,
+             py::arg("relative") = historyDefaults.comparison.relative,
+             py::arg("min_runs") = historyDefaults.minRuns, py::arg("gate") = historyDefaults.gate,
+             R"(Which series changed, at which run, across a history of runs, as
+`kvt-profile-log history` finds them. Returns kvtprofile.History, a named tuple of two frames:
+  changes, values = kvtprofile.history(sorted(glob.glob("nightly/*.json")))
+
+runs is a list (any iterable) of runs, oldest first: logs, `stats --format json` documents of
+one (a few kilobytes a run instead of the log) or "@FILE", a list of either, one path a line;
+one path alone is a history of one run (or of the runs of a list). A run may come back. Each
+series becomes one value per run, its figure ("p50", "p90" or "mean") over the run's counted
+executions, skip_first leaving each graph's first executions of a log out.
+
+changes: a row per change of a series, series in the history's order, each one's changes by run:
+  graph, series, name, parent, occurrence   the series' key, as in executions()
+  run             int64: index of the first run after the change, from 0
+  source          category: that run's path
+  before, after   the medians of the run values on either side (divided by the run-wide factor
+                  when relative)
+  change_percent  the Hodges-Lehmann shift in percent of before
+  interval_low, interval_high  its distribution-free (1 - 2 alpha) interval, in percent
+  p_adjusted (Holm), q_value (Benjamini-Hochberg), over every series of the history
+  verdict         ordered category of all six verdicts, as in compare(); a history's are
+                  slower, faster, added and removed
+Missing where `history --format json` has null.
+
+values: a row per series and run with a value, run after run (the rows of
+`history --format csv`): the key, run, source and value (float64, in the log's unit).
+
+attrs, the same on both: unit, figure, skip_first, alpha, threshold, min_change, min_runs,
+relative, gate, too_few_runs (fewer than 2 x min_runs runs: no change can be found), runs (each
+run's source, created in us since the epoch or None for a stats document, and executions
+counted), graphs (each graph's run_factor per run and its run_wide changes, dicts of the changes
+columns from run on) and totals (series, changes, slower, faster, added, removed, run_wide,
+slower_in_gate, tested). The command's gate fails (exit 3) when totals["slower_in_gate"] > 0:
+a slower change within the last gate runs.
+
+alpha, threshold, min_change and relative are compare()'s, with its defaults and checks;
+min_runs (1 or more: runs on each side of a change) and gate as the command's --min-runs and
+--gate. Runs are taken in the order given. The GIL is released while the runs are read (logs
+one per core) and searched.
+
+Raises LogError naming the file when a run cannot be read (not a log the reader takes nor a
+stats JSON, not JSON, a stats JSON of another version) or a list cannot be opened, and when a
+run shares no series with the others; FileNotFoundError when a run is missing; TypeError naming
+the argument when one is of the wrong type; ValueError when one is out of range or runs is
+empty.)");
 
   module.def(
       "summary",

@@ -4,7 +4,7 @@ Every frame leads with the series' key: graph, series, name, parent, occurrence.
 are int64 (Int64 where one may be missing); a value above 2^63 - 1 raises OverflowError."""
 
 import os
-from typing import Iterable, Union
+from typing import Iterable, NamedTuple, Union
 
 import pandas
 
@@ -32,6 +32,23 @@ def compare(base: _Path, new: _Path, *, alpha: float = ..., threshold: float = .
     new_p50, change_percent, interval_low, interval_high, p_value, p_adjusted, q_value flat);
     verdict an ordered categorical; graphs and totals in attrs. The defaults are the command's
     (help(kvtprofile.compare) shows them)."""
+
+class History(NamedTuple):
+    """The frames of a history of runs, with the same attrs (runs, graphs and their run-wide
+    changes, totals, the options)."""
+    changes: pandas.DataFrame
+    """A row per change of a series: the key, run, source, before, after, change_percent,
+    interval_low, interval_high, p_adjusted, q_value, verdict (an ordered categorical)."""
+    values: pandas.DataFrame
+    """A row per series and run with a value: the key, run, source, value."""
+
+def history(runs: _Logs, *, figure: str = "p50", skip_first: int = 0, alpha: float = ...,
+            threshold: float = ..., min_change: float = ..., relative: bool = ...,
+            min_runs: int = 3, gate: int = 5) -> History:
+    """Which series changed, at which run, across runs given oldest first (logs, stats JSON
+    documents, "@FILE" lists), as `kvt-profile-log history` finds them: the frame of changes and
+    the frame of per-run values (the rows of `history --format csv`). alpha, threshold,
+    min_change and relative are compare()'s."""
 
 def summary(path: _Path) -> str:
     """The reader's statistics summary of the log, as the viewer prints it."""

@@ -1,6 +1,8 @@
 """The module's frames against the log tool's golden outputs and JSON and against each other,
 its errors, and its release of the GIL while it reads."""
 
+import csv
+import io
 import json
 import math
 import os
@@ -162,6 +164,143 @@ def test_frames_agree_with_the_tools_json(case, output, words):
         assert all(agree(row[column], printed[column]) for column in row), (row, printed)
 
 
+HISTORY_OPTIONS = {**OPTIONS, "--figure": ("figure", str), "--min-runs": ("min_runs", int),
+                   "--gate": ("gate", int)}
+
+
+def history_call(case, words):
+    """The runs and options of a golden `history` command: {NAME} a log the case builds, [FILE] a
+    file of its folder, @[FILE] a list."""
+    runs = []
+    for word in words[1:]:
+        if word.startswith("{"):
+            runs.append(LOG_DIR / case.name / f"{word.strip('{}')}.log")
+        elif word.startswith("@["):
+            runs.append("@" + str(case / word[2:-1]))
+        elif word.startswith("["):
+            runs.append(case / word[1:-1])
+    options = {name: read(words[words.index(flag) + 1])
+               for flag, (name, read) in HISTORY_OPTIONS.items() if flag in words}
+    if "--relative" in words:
+        options["relative"] = True
+    return runs, options
+
+
+def golden_history_reports():
+    """(case, expected file, arguments) of every golden `history` with --format json or csv."""
+    reports = []
+    for commands in sorted(golden_dir().glob("history-*/commands")):
+        for line in commands.read_text().splitlines():
+            output, _, args = line.partition(":")
+            words = args.split()
+            if words[:1] == ["history"] and ("json" in words or "csv" in words):
+                reports.append(pytest.param(commands.parent, output, words,
+                                            id=f"{commands.parent.name}/{output}"))
+    return reports
+
+
+@pytest.mark.parametrize("case, output, words", golden_history_reports())
+def test_history_frames_agree_with_the_tools_json_and_csv(case, output, words):
+    runs, options = history_call(case, words)
+    changes, values = kvtprofile.history(runs, **options)
+
+    def placeholders(source):
+        return source.replace(str(LOG_DIR / case.name), "<logs>").replace(str(case), "<case>")
+
+    def key_and_run(row):
+        return {**missing_as_none({column: row[column] for column in KEY}), "run": row["run"],
+                "source": placeholders(row["source"])}
+
+    printed = (case / f"{output}.out").read_text()
+    if "csv" in words:
+        lines = list(csv.DictReader(io.StringIO(printed)))
+        rows = values.to_dict("records")
+        assert len(rows) == len(lines)
+        for row, line in zip(rows, lines):
+            expected = {column: line[column] or None for column in KEY + ["source"]}
+            expected.update(run=int(line["run"]),
+                            occurrence=int(line["occurrence"]) if line["occurrence"] else None)
+            assert key_and_run(row) == expected
+            assert row["value"] == float(line["value"])
+        return
+    report = json.loads(printed)
+    sources = [run["source"] for run in report["runs"]]
+    expected_changes, expected_values = [], []
+    for series in report["series"]:
+        key = {column: series[column] for column in KEY}
+        for change in series["changes"]:
+            expected_changes.append({**key, "source": sources[change["run"]], **flat(change)})
+    for run, source in enumerate(sources):
+        for series in report["series"]:
+            if series["values"][run] is not None:
+                expected_values.append({**{column: series[column] for column in KEY},
+                                        "run": run, "source": source,
+                                        "value": series["values"][run]})
+    for frame, expected in [(changes, expected_changes), (values, expected_values)]:
+        rows = [{**row, **key_and_run(row)} for row in frame.to_dict("records")]
+        assert len(rows) == len(expected)
+        for row, printed_row in zip(rows, expected):
+            assert set(row) == set(printed_row)
+            assert all(agree(row[column], printed_row[column]) for column in row), (
+                row, printed_row)
+    attrs = changes.attrs
+    assert attrs == values.attrs
+    assert attrs["totals"] == {snake(name): count for name, count in report["totals"].items()}
+    assert [{**run, "source": placeholders(run["source"])} for run in attrs["runs"]] == \
+        report["runs"]
+    assert {name: attrs[snake(name)] for name in ["figure", "skipFirst", "minRuns", "relative",
+                                                  "gate", "tooFewRuns"]} == {
+        name: report[name] for name in ["figure", "skipFirst", "minRuns", "relative", "gate",
+                                        "tooFewRuns"]}
+    assert [graph["graph"] for graph in attrs["graphs"]] == [
+        graph["graph"] for graph in report["graphs"]]
+    for graph, printed_graph in zip(attrs["graphs"], report["graphs"]):
+        assert all(agree(factor, printed) for factor, printed in
+                   zip(graph["run_factor"], printed_graph["runFactor"], strict=True))
+        assert len(graph["run_wide"]) == len(printed_graph["runWide"])
+        for change, printed_change in zip(graph["run_wide"], printed_graph["runWide"]):
+            assert all(agree(change[name], value) for name, value in flat(printed_change).items())
+
+
+def test_too_few_runs_are_said_and_give_values_but_no_change():
+    # 5 runs, a change needs 3 on each side: as the golden table history-step/too-few-runs says.
+    runs = sorted((LOG_DIR / "history-step").glob("run*.log"))[:5]
+    changes, values = kvtprofile.history(runs)
+    assert changes.attrs["too_few_runs"] and len(changes) == 0
+    assert sorted(values.run.unique()) == [0, 1, 2, 3, 4]
+    assert not kvtprofile.history(runs, min_runs=2).changes.attrs["too_few_runs"]
+
+
+def golden_refused_histories():
+    """(case, runs, options, the LogError's message) of every golden `history` that exits 1 on a
+    run or list of its folder; the tool's message is "cannot read the run PATH: WHY" or "the run
+    PATH WHY", the module's "PATH: WHY" and "PATH WHY"."""
+    refused = []
+    for commands in sorted(golden_dir().glob("history-*/commands")):
+        case = commands.parent
+        printed = (case / "results").read_text().split("\n")
+        for line in commands.read_text().splitlines():
+            output, _, args = line.partition(":")
+            words = args.split()
+            message = printed[printed.index(f"{output}: exit 1") + 1] if (
+                f"{output}: exit 1" in printed) else ""
+            found = re.fullmatch("kvt-profile-log history: (cannot read the (run|list) |the run )"
+                                 "(<case>/.*)", message)
+            if found and "--order" not in words:
+                runs, options = history_call(case, words)
+                refused.append(pytest.param(runs, options,
+                                            found.group(3).replace("<case>", str(case)),
+                                            id=f"{case.name}/{output}"))
+    return refused
+
+
+@pytest.mark.parametrize("runs, options, message", golden_refused_histories())
+def test_refused_histories_raise_log_error_naming_the_file(runs, options, message):
+    with pytest.raises(kvtprofile.LogError) as raised:
+        kvtprofile.history(runs, **options)
+    assert str(raised.value) == message
+
+
 @pytest.fixture
 def refused(tmp_path):
     """(what, path, the precise line, the reader's message) of logs the reader refuses."""
@@ -249,7 +388,20 @@ def test_bad_arguments_raise_errors_that_name_them(tmp_path):
               lambda: kvtprofile.stats([log, 3])),
              (TypeError, "output takes a path (str or os.PathLike), not int",
               lambda: kvtprofile.trace(log, 0)),
-             (TypeError, "", lambda: kvtprofile.executions(log, 0))]
+             (TypeError, "", lambda: kvtprofile.executions(log, 0)),
+             (FileNotFoundError, "", lambda: kvtprofile.history([log, tmp_path / "missing"])),
+             (ValueError, "figure must be p50, p90 or mean, not 'p99'",
+              lambda: kvtprofile.history(log, figure="p99")),
+             (ValueError, "min_runs must be from 1 to 4294967295, not 0",
+              lambda: kvtprofile.history(log, min_runs=0)),
+             (ValueError, "gate must be 0 or more, not -1",
+              lambda: kvtprofile.history(log, gate=-1)),
+             (ValueError, "alpha needs a probability above 0 and below 0.5, not 0.5",
+              lambda: kvtprofile.history(log, alpha=0.5)),
+             (ValueError, "runs holds no log", lambda: kvtprofile.history([])),
+             (TypeError, "figure takes a str, not int", lambda: kvtprofile.history(log, figure=90)),
+             (TypeError, "runs[1] takes a path (str or os.PathLike), not NoneType",
+              lambda: kvtprofile.history([log, None]))]
     for error, message, call in cases:
         with pytest.raises(error) as raised:
             call()
@@ -347,16 +499,18 @@ def test_frames_share_their_key_columns_names_and_signed_numbers():
     base, new = LOG_DIR / "compare-200" / "base.log", LOG_DIR / "compare-200" / "new.log"
     both = kvtprofile.executions([new, base])
     frames = [both, kvtprofile.stats([new, base]), kvtprofile.compare(base, new)]
+    history = kvtprofile.history(sorted((LOG_DIR / "history-step").glob("run*.log")))
+    frames += list(history)
     for frame in frames:
         assert list(frame.columns[:5]) == KEY
         assert list(frame.series.cat.categories) == [
             "duration", "queueWait", "backend", "span", "wait"]
         assert all(re.fullmatch("[a-z0-9_]+", column) for column in frame.columns)
         assert all(re.fullmatch("[a-z_]+", name) for name in frame.attrs)
-    compared = frames[2]
-    assert compared.verdict.cat.ordered
-    assert list(compared.verdict.cat.categories) == [
-        "slower", "faster", "same", "unsure", "added", "removed"]
+    for compared in [frames[2], history.changes]:
+        assert compared.verdict.cat.ordered
+        assert list(compared.verdict.cat.categories) == [
+            "slower", "faster", "same", "unsure", "added", "removed"]
     assert all(re.fullmatch("[a-z_]+", name)
                for graph in compared.attrs["graphs"] for name in graph)
     # One frame of two logs: shared categories, and run-to-run deltas that keep their sign.
