@@ -51,6 +51,52 @@ uint64_t normalLowerBoundRank(double pairs, double variance, double confidence) 
   return rank >= 1 ? uint64_t(rank) : 0;
 }
 
+// The exact two-sided p-value of u with ties: over the runs of equal values in ascending order,
+// the number of orderings that put j of a run's t values in a, by the count so far in a and by
+// 2 U (whole), each a in the run above the b values below it and level, counted half, with t - j.
+// The counts stay below C(n + m, n), whole and exact in a double for the sizes this serves.
+double exactTiedPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB,
+                       double u) {
+  std::vector<uint64_t> runs;
+  std::vector<uint64_t> pooled(sortedA.begin(), sortedA.end());
+  pooled.insert(pooled.end(), sortedB.begin(), sortedB.end());
+  std::sort(pooled.begin(), pooled.end());
+  for (size_t i = 0; i < pooled.size(); ++i) {
+    if (i == 0 || pooled[i] != pooled[i - 1])
+      runs.push_back(0);
+    ++runs.back();
+  }
+  const size_t sizeA = sortedA.size();
+  const size_t twiceMaxU = 2 * sizeA * sortedB.size();
+  std::vector<std::vector<double>> count(sizeA + 1, std::vector<double>(twiceMaxU + 1, 0.0));
+  count[0][0] = 1;
+  uint64_t below = 0;
+  for (const uint64_t t : runs) {
+    std::vector<std::vector<double>> next(sizeA + 1, std::vector<double>(twiceMaxU + 1, 0.0));
+    for (size_t k = 0; k <= sizeA && k <= below; ++k) {
+      double ways = 1; // C(t, j)
+      for (uint64_t j = 0; j <= t && k + j <= sizeA; ++j) {
+        const size_t added = size_t(j * 2 * (below - k) + j * (t - j));
+        for (size_t twiceU = 0; twiceU + added <= twiceMaxU; ++twiceU)
+          next[k + j][twiceU + added] += ways * count[k][twiceU];
+        ways = ways * double(t - j) / double(j + 1);
+      }
+    }
+    count = std::move(next);
+    below += t;
+  }
+  const double twiceMean = double(twiceMaxU) / 2;
+  const double observed = std::abs(2 * u - twiceMean);
+  double total = 0;
+  double asFar = 0;
+  for (size_t twiceU = 0; twiceU <= twiceMaxU; ++twiceU) {
+    total += count[sizeA][twiceU];
+    if (std::abs(double(twiceU) - twiceMean) >= observed)
+      asFar += count[sizeA][twiceU];
+  }
+  return std::min(1.0, asFar / total);
+}
+
 double untiedVariance(double sizeA, double sizeB) {
   return sizeA * sizeB * (sizeA + sizeB + 1) / 12;
 }
@@ -133,8 +179,12 @@ uint64_t RankSumNull::lowerBoundRank(double confidence) const {
   return pairs == 0 ? 0 : normalLowerBoundRank(pairs, variance, confidence);
 }
 
-double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB) {
+double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB,
+                         uint64_t maxExactTiedValues) {
   const RankStatistic statistic = rankStatistic(sortedA, sortedB);
+  if (statistic.tieTerm > 0 && statistic.sizeA > 0 && statistic.sizeB > 0 &&
+      statistic.sizeA + statistic.sizeB <= maxExactTiedValues)
+    return exactTiedPValue(sortedA, sortedB, statistic.u);
   return RankSumNull(statistic).pValue(statistic.u);
 }
 

@@ -5,6 +5,7 @@
 #include "ChangeSplit.h"
 #include "RankableValues.h"
 #include "comparison/MultipleTesting.h"
+#include "comparison/StepFactor.h"
 #include "statistics/SeriesSummary.h"
 
 #include <algorithm>
@@ -24,8 +25,6 @@ struct Subject {
   std::vector<HistoryChange>* changes = nullptr;
   std::optional<ChangeSplit> firstSplit;
 };
-
-constexpr size_t minRunFactorSpans = 3; // of a graph: fewer, and one step would move its median
 
 bool judgedNetOfRunFactor(SeriesKind kind) {
   return kind == SeriesKind::backend || kind == SeriesKind::span || kind == SeriesKind::wait;
@@ -221,7 +220,7 @@ History buildHistory(std::vector<RunSeriesFigures> runs, const HistoryOptions& o
       }
     }
     const RunWideShifts shifts(spans, runCount);
-    const bool hasRunFactor = spans.size() >= minRunFactorSpans;
+    const bool hasRunFactor = spans.size() >= StepFactor::minSeries;
     if (hasRunFactor) {
       for (size_t run = 0; run < runCount; ++run)
         graph.runFactor[run] = shifts.factor(run);
