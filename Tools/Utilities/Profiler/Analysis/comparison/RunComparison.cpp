@@ -265,8 +265,7 @@ std::string_view verdictName(Verdict verdict) {
 }
 
 double marginUnits(const ComparisonRow& row, const ComparisonOptions& options) {
-  return std::max(options.thresholdPercent / 100 * double(row.base.p50.value_or(0)),
-                  options.minChangeUnits);
+  return marginUnits(double(row.base.p50.value_or(0)), options);
 }
 
 Comparison compareRuns(const RunStatistics& base, const RunStatistics& next,

@@ -80,8 +80,7 @@ struct Comparison {
   ComparisonTotals totals;
 };
 
-// The change below which a row counts as unchanged, in log units: the threshold's share of its
-// base median or minChangeUnits, whichever is larger.
+// The change below which a row counts as unchanged: marginUnits of its base median.
 double marginUnits(const ComparisonRow& row, const ComparisonOptions& options);
 
 // slower: the Holm-adjusted p-value is below alpha and the shift exceeds the margin (the

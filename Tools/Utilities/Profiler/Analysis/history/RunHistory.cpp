@@ -89,8 +89,7 @@ private:
         estimateShift(sortedBefore, sortedAfter, 1 - 2 * options.comparison.alpha);
     const double beforeMedian = double(nearestRank(sortedBefore, 50)) / scale;
     const double units = shift.units / scale;
-    const double margin = std::max(options.comparison.thresholdPercent / 100 * beforeMedian,
-                                   options.comparison.minChangeUnits);
+    const double margin = marginUnits(beforeMedian, options.comparison);
     if (units <= margin && units >= -margin)
       return std::nullopt;
     HistoryChange change;
