@@ -34,6 +34,9 @@ struct PercentChange {
   std::optional<Interval> interval;
 };
 
+// A shift in percent of a base median, none when the median is 0 and a percentage means nothing.
+std::optional<PercentChange> inPercent(const ShiftEstimate& shift, uint64_t baseMedian);
+
 struct ComparisonRow {
   std::string graph;
   SeriesKind kind = SeriesKind::duration;

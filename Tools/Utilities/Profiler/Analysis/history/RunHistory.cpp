@@ -87,7 +87,8 @@ private:
     const std::vector<uint64_t> sortedAfter = sortedRankable(after, scale);
     const ShiftEstimate shift =
         estimateShift(sortedBefore, sortedAfter, 1 - 2 * options.comparison.alpha);
-    const double beforeMedian = double(nearestRank(sortedBefore, 50)) / scale;
+    const uint64_t scaledBeforeMedian = nearestRank(sortedBefore, 50);
+    const double beforeMedian = double(scaledBeforeMedian) / scale;
     const double units = shift.units / scale;
     const double margin = marginUnits(beforeMedian, options.comparison);
     if (units <= margin && units >= -margin)
@@ -96,11 +97,9 @@ private:
     change.before = beforeMedian;
     change.after = double(nearestRank(sortedAfter, 50)) / scale;
     change.verdict = units > margin ? Verdict::slower : Verdict::faster;
-    if (beforeMedian > 0) {
-      const double percent = 100 / (beforeMedian * scale);
-      change.changePercent = shift.units * percent;
-      if (shift.interval)
-        change.interval = Interval{shift.interval->low * percent, shift.interval->high * percent};
+    if (const std::optional<PercentChange> percent = inPercent(shift, scaledBeforeMedian)) {
+      change.changePercent = percent->percent;
+      change.interval = percent->interval;
     }
     return change;
   }
