@@ -57,7 +57,7 @@ uint64_t normalLowerBoundRank(double pairs, double variance, double confidence) 
 // The counts stay below C(n + m, n), whole and exact in a double for the sizes this serves.
 double exactTiedPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB,
                        double u) {
-  std::vector<uint64_t> runs;
+  std::vector<size_t> runs;
   std::vector<uint64_t> pooled(sortedA.begin(), sortedA.end());
   pooled.insert(pooled.end(), sortedB.begin(), sortedB.end());
   std::sort(pooled.begin(), pooled.end());
@@ -67,22 +67,32 @@ double exactTiedPValue(std::span<const uint64_t> sortedA, std::span<const uint64
     ++runs.back();
   }
   const size_t sizeA = sortedA.size();
-  const size_t twiceMaxU = 2 * sizeA * sortedB.size();
-  std::vector<std::vector<double>> count(sizeA + 1, std::vector<double>(twiceMaxU + 1, 0.0));
-  count[0][0] = 1;
-  uint64_t below = 0;
-  for (const uint64_t t : runs) {
-    std::vector<std::vector<double>> next(sizeA + 1, std::vector<double>(twiceMaxU + 1, 0.0));
-    for (size_t k = 0; k <= sizeA && k <= below; ++k) {
-      double ways = 1; // C(t, j)
-      for (uint64_t j = 0; j <= t && k + j <= sizeA; ++j) {
-        const size_t added = size_t(j * 2 * (below - k) + j * (t - j));
-        for (size_t twiceU = 0; twiceU + added <= twiceMaxU; ++twiceU)
-          next[k + j][twiceU + added] += ways * count[k][twiceU];
+  const size_t sizeB = sortedB.size();
+  const size_t twiceMaxU = 2 * sizeA * sizeB;
+  const size_t width = twiceMaxU + 1;
+  std::vector<double> count((sizeA + 1) * width, 0.0); // [k * width + 2 U]
+  std::vector<double> next(count.size());
+  count[0] = 1;
+  size_t below = 0;
+  for (const size_t t : runs) {
+    std::fill(next.begin(), next.end(), 0.0);
+    for (size_t k = 0; k <= std::min(sizeA, below); ++k) {
+      if (below - k > sizeB)
+        continue;                                 // more b values below than b has
+      const size_t reached = 2 * k * (below - k); // 2 U so far is at most this
+      double ways = 1;                            // C(t, j)
+      for (size_t j = 0; j <= t && k + j <= sizeA; ++j) {
+        if (below + t - k - j <= sizeB) {
+          const size_t added = j * 2 * (below - k) + j * (t - j);
+          double* to = next.data() + (k + j) * width + added;
+          const double* from = count.data() + k * width;
+          for (size_t twiceU = 0; twiceU <= reached; ++twiceU)
+            to[twiceU] += ways * from[twiceU];
+        }
         ways = ways * double(t - j) / double(j + 1);
       }
     }
-    count = std::move(next);
+    std::swap(count, next);
     below += t;
   }
   const double twiceMean = double(twiceMaxU) / 2;
@@ -90,9 +100,10 @@ double exactTiedPValue(std::span<const uint64_t> sortedA, std::span<const uint64
   double total = 0;
   double asFar = 0;
   for (size_t twiceU = 0; twiceU <= twiceMaxU; ++twiceU) {
-    total += count[sizeA][twiceU];
+    const double ways = count[sizeA * width + twiceU];
+    total += ways;
     if (std::abs(double(twiceU) - twiceMean) >= observed)
-      asFar += count[sizeA][twiceU];
+      asFar += ways;
   }
   return std::min(1.0, asFar / total);
 }
