@@ -2,6 +2,8 @@
 // interval; a negative margin would call every equal pair changed.
 #include "ComparisonOptions.h"
 
+#include <algorithm>
+
 namespace kvt::profiling {
 
 namespace {
@@ -10,6 +12,10 @@ constexpr ComparisonOption rangedOptions[] = {
     ComparisonOption::alpha, ComparisonOption::thresholdPercent, ComparisonOption::minChangeUnits};
 
 } // namespace
+
+double marginUnits(double baseMedianUnits, const ComparisonOptions& options) {
+  return std::max(options.thresholdPercent / 100 * baseMedianUnits, options.minChangeUnits);
+}
 
 std::string_view describeRange(ComparisonOption option) {
   switch (option) {

@@ -14,6 +14,11 @@ struct ComparisonOptions {
   bool relative = false;       // judge steps and back-end records net of each graph's run shift
 };
 
+// The change below which a series counts as unchanged, in log units: the threshold's share of
+// its base median or minChangeUnits, whichever is larger. Example: 5 % of a median of 200 and a
+// minChangeUnits of 4 give 10.
+double marginUnits(double baseMedianUnits, const ComparisonOptions& options);
+
 // The options that have a range.
 enum class ComparisonOption { alpha, thresholdPercent, minChangeUnits };
 

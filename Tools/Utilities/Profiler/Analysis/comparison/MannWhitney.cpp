@@ -51,6 +51,63 @@ uint64_t normalLowerBoundRank(double pairs, double variance, double confidence) 
   return rank >= 1 ? uint64_t(rank) : 0;
 }
 
+// The exact two-sided p-value of u with ties: over the runs of equal values in ascending order,
+// the number of orderings that put j of a run's t values in a, by the count so far in a and by
+// 2 U (whole), each a in the run above the b values below it and level, counted half, with t - j.
+// The counts stay below C(n + m, n), whole and exact in a double for the sizes this serves.
+double exactTiedPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB,
+                       double u) {
+  std::vector<size_t> runs;
+  std::vector<uint64_t> pooled(sortedA.begin(), sortedA.end());
+  pooled.insert(pooled.end(), sortedB.begin(), sortedB.end());
+  std::sort(pooled.begin(), pooled.end());
+  for (size_t i = 0; i < pooled.size(); ++i) {
+    if (i == 0 || pooled[i] != pooled[i - 1])
+      runs.push_back(0);
+    ++runs.back();
+  }
+  const size_t sizeA = sortedA.size();
+  const size_t sizeB = sortedB.size();
+  const size_t twiceMaxU = 2 * sizeA * sizeB;
+  const size_t width = twiceMaxU + 1;
+  std::vector<double> count((sizeA + 1) * width, 0.0); // [k * width + 2 U]
+  std::vector<double> next(count.size());
+  count[0] = 1;
+  size_t below = 0;
+  for (const size_t t : runs) {
+    std::fill(next.begin(), next.end(), 0.0);
+    for (size_t k = 0; k <= std::min(sizeA, below); ++k) {
+      if (below - k > sizeB)
+        continue;                                 // more b values below than b has
+      const size_t reached = 2 * k * (below - k); // 2 U so far is at most this
+      double ways = 1;                            // C(t, j)
+      for (size_t j = 0; j <= t && k + j <= sizeA; ++j) {
+        if (below + t - k - j <= sizeB) {
+          const size_t added = j * 2 * (below - k) + j * (t - j);
+          double* to = next.data() + (k + j) * width + added;
+          const double* from = count.data() + k * width;
+          for (size_t twiceU = 0; twiceU <= reached; ++twiceU)
+            to[twiceU] += ways * from[twiceU];
+        }
+        ways = ways * double(t - j) / double(j + 1);
+      }
+    }
+    std::swap(count, next);
+    below += t;
+  }
+  const double twiceMean = double(twiceMaxU) / 2;
+  const double observed = std::abs(2 * u - twiceMean);
+  double total = 0;
+  double asFar = 0;
+  for (size_t twiceU = 0; twiceU <= twiceMaxU; ++twiceU) {
+    const double ways = count[sizeA * width + twiceU];
+    total += ways;
+    if (std::abs(double(twiceU) - twiceMean) >= observed)
+      asFar += ways;
+  }
+  return std::min(1.0, asFar / total);
+}
+
 double untiedVariance(double sizeA, double sizeB) {
   return sizeA * sizeB * (sizeA + sizeB + 1) / 12;
 }
@@ -133,8 +190,12 @@ uint64_t RankSumNull::lowerBoundRank(double confidence) const {
   return pairs == 0 ? 0 : normalLowerBoundRank(pairs, variance, confidence);
 }
 
-double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB) {
+double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB,
+                         uint64_t maxExactTiedValues) {
   const RankStatistic statistic = rankStatistic(sortedA, sortedB);
+  if (statistic.tieTerm > 0 && statistic.sizeA > 0 && statistic.sizeB > 0 &&
+      statistic.sizeA + statistic.sizeB <= maxExactTiedValues)
+    return exactTiedPValue(sortedA, sortedB, statistic.u);
   return RankSumNull(statistic).pValue(statistic.u);
 }
 

@@ -57,6 +57,11 @@ private:
 
 // The two-sided p-value of the test of two samples, each sorted ascending. Examples: {1, 2, 3}
 // against {4, 5, 6} gives 0.1 (exact); tens of tied values take the normal approximation.
-double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB);
+// Samples with ties and at most maxExactTiedValues values together (56 at the most, where the
+// counts of orderings still fit the 53 bits of a double) get the exact p-value too:
+// the share of the orderings of the tied values whose U lies at least as far from its mean, so
+// {1, 1, 2} against {2, 3, 3} gives 0.2 (4 of the 20).
+double mannWhitneyPValue(std::span<const uint64_t> sortedA, std::span<const uint64_t> sortedB,
+                         uint64_t maxExactTiedValues = 0);
 
 } // namespace kvt::profiling

@@ -36,17 +36,6 @@ ComparisonRow makeRow(const std::string& graph, const SeriesRef& series) {
   return row;
 }
 
-// A shift in percent of a base median, none when the median is 0 and a percentage means nothing.
-std::optional<PercentChange> inPercent(const ShiftEstimate& shift, uint64_t baseMedian) {
-  if (baseMedian == 0)
-    return std::nullopt;
-  const double scale = 100 / double(baseMedian);
-  PercentChange change{shift.units * scale, std::nullopt};
-  if (shift.interval)
-    change.interval = Interval{shift.interval->low * scale, shift.interval->high * scale};
-  return change;
-}
-
 // The values of new divided by a run's ratio, still sorted.
 std::vector<uint64_t> netOfRunShift(std::span<const uint64_t> values, double ratio) {
   std::vector<uint64_t> net(values.size());
@@ -264,9 +253,18 @@ std::string_view verdictName(Verdict verdict) {
   return {};
 }
 
+std::optional<PercentChange> inPercent(const ShiftEstimate& shift, uint64_t baseMedian) {
+  if (baseMedian == 0)
+    return std::nullopt;
+  const double scale = 100 / double(baseMedian);
+  PercentChange change{shift.units * scale, std::nullopt};
+  if (shift.interval)
+    change.interval = Interval{shift.interval->low * scale, shift.interval->high * scale};
+  return change;
+}
+
 double marginUnits(const ComparisonRow& row, const ComparisonOptions& options) {
-  return std::max(options.thresholdPercent / 100 * double(row.base.p50.value_or(0)),
-                  options.minChangeUnits);
+  return marginUnits(double(row.base.p50.value_or(0)), options);
 }
 
 Comparison compareRuns(const RunStatistics& base, const RunStatistics& next,

@@ -34,6 +34,9 @@ struct PercentChange {
   std::optional<Interval> interval;
 };
 
+// A shift in percent of a base median, none when the median is 0 and a percentage means nothing.
+std::optional<PercentChange> inPercent(const ShiftEstimate& shift, uint64_t baseMedian);
+
 struct ComparisonRow {
   std::string graph;
   SeriesKind kind = SeriesKind::duration;
@@ -80,8 +83,7 @@ struct Comparison {
   ComparisonTotals totals;
 };
 
-// The change below which a row counts as unchanged, in log units: the threshold's share of its
-// base median or minChangeUnits, whichever is larger.
+// The change below which a row counts as unchanged: marginUnits of its base median.
 double marginUnits(const ComparisonRow& row, const ComparisonOptions& options);
 
 // slower: the Holm-adjusted p-value is below alpha and the shift exceeds the margin (the

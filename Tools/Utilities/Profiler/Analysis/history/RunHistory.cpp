@@ -5,6 +5,7 @@
 #include "ChangeSplit.h"
 #include "RankableValues.h"
 #include "comparison/MultipleTesting.h"
+#include "comparison/StepFactor.h"
 #include "statistics/SeriesSummary.h"
 
 #include <algorithm>
@@ -24,8 +25,6 @@ struct Subject {
   std::vector<HistoryChange>* changes = nullptr;
   std::optional<ChangeSplit> firstSplit;
 };
-
-constexpr size_t minRunFactorSpans = 3; // of a graph: fewer, and one step would move its median
 
 bool judgedNetOfRunFactor(SeriesKind kind) {
   return kind == SeriesKind::backend || kind == SeriesKind::span || kind == SeriesKind::wait;
@@ -88,21 +87,19 @@ private:
     const std::vector<uint64_t> sortedAfter = sortedRankable(after, scale);
     const ShiftEstimate shift =
         estimateShift(sortedBefore, sortedAfter, 1 - 2 * options.comparison.alpha);
-    const double beforeMedian = double(nearestRank(sortedBefore, 50)) / scale;
+    const uint64_t scaledBeforeMedian = nearestRank(sortedBefore, 50);
+    const double beforeMedian = double(scaledBeforeMedian) / scale;
     const double units = shift.units / scale;
-    const double margin = std::max(options.comparison.thresholdPercent / 100 * beforeMedian,
-                                   options.comparison.minChangeUnits);
+    const double margin = marginUnits(beforeMedian, options.comparison);
     if (units <= margin && units >= -margin)
       return std::nullopt;
     HistoryChange change;
     change.before = beforeMedian;
     change.after = double(nearestRank(sortedAfter, 50)) / scale;
     change.verdict = units > margin ? Verdict::slower : Verdict::faster;
-    if (beforeMedian > 0) {
-      const double percent = 100 / (beforeMedian * scale);
-      change.changePercent = shift.units * percent;
-      if (shift.interval)
-        change.interval = Interval{shift.interval->low * percent, shift.interval->high * percent};
+    if (const std::optional<PercentChange> percent = inPercent(shift, scaledBeforeMedian)) {
+      change.changePercent = percent->percent;
+      change.interval = percent->interval;
     }
     return change;
   }
@@ -221,7 +218,7 @@ History buildHistory(std::vector<RunSeriesFigures> runs, const HistoryOptions& o
       }
     }
     const RunWideShifts shifts(spans, runCount);
-    const bool hasRunFactor = spans.size() >= minRunFactorSpans;
+    const bool hasRunFactor = spans.size() >= StepFactor::minSeries;
     if (hasRunFactor) {
       for (size_t run = 0; run < runCount; ++run)
         graph.runFactor[run] = shifts.factor(run);

@@ -81,11 +81,12 @@ std::optional<size_t> findRunSharingNoSeries(const std::vector<RunSeriesFigures>
 // The history of runs, oldest first. A series is tracked in the runs that have a value of it;
 // its first value after run 0 is an added change, its last before the last run a removed one.
 // Each series with at least 2 x minRuns values, and each graph's run factor (RunWideShifts over
-// its step spans, for a graph of 3 spans or more), is split where findChangeSplit finds it; the
-// split counts when its p-value, adjusted by Holm's method over every first split of the history,
-// is below alpha and its shift exceeds compare's margin, and each side is then searched again (its
-// p-value times the tests of the history). In relative histories back-end records and step spans
-// and waits are judged divided by their run's factor without themselves.
+// its step spans, for a graph of StepFactor::minSeries spans or more), is split where
+// findChangeSplit finds it; the split counts when its p-value, adjusted by Holm's method over
+// every first split of the history, is below alpha and its shift exceeds compare's margin, and
+// each side is then searched again (its p-value times the tests of the history). In relative
+// histories back-end records and step spans and waits are judged divided by their run's factor
+// without themselves.
 History buildHistory(std::vector<RunSeriesFigures> runs, const HistoryOptions& options);
 
 } // namespace kvt::profiling

@@ -1,6 +1,8 @@
 // Medians of logs, not of ratios, so that a run 10 % slower and one 10 % faster lie as far from
-// the typical run.
+// the typical run; the median over the spans, and who counts, is the comparison's step factor.
 #include "RunWideShifts.h"
+
+#include "comparison/StepFactor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,14 +40,18 @@ RunWideShifts::RunWideShifts(const std::vector<const RunSeriesValues*>& spans, s
 
 std::optional<double> RunWideShifts::factor(size_t run, std::optional<size_t> leftOut) const {
   std::vector<double> shifts;
-  shifts.reserve(logShifts.size());
-  for (size_t span = 0; span < logShifts.size(); ++span)
-    if (span != leftOut && logShifts[span][run])
-      shifts.push_back(*logShifts[span][run]);
-  const std::optional<double> median = medianOf(std::move(shifts));
-  if (!median)
+  std::optional<double> own;
+  for (size_t span = 0; span < logShifts.size(); ++span) {
+    if (!logShifts[span][run])
+      continue;
+    shifts.push_back(*logShifts[span][run]);
+    if (span == leftOut)
+      own = logShifts[span][run];
+  }
+  const StepFactor stepFactor(std::move(shifts));
+  if (!stepFactor.exists())
     return std::nullopt;
-  return std::exp(*median);
+  return stepFactor.ratioWithout(own);
 }
 
 } // namespace kvt::profiling

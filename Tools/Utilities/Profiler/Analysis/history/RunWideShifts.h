@@ -17,10 +17,10 @@ public:
   // value over its median across the runs; values of 0 and runs without a value have none.
   RunWideShifts(const std::vector<const RunSeriesValues*>& spans, size_t runs);
 
-  // The run's factor: exp of the median of the log shifts of every span but leftOut (an index
-  // into spans), so that a series is never judged against a factor it moved itself. Example: shifts
-  // of 1.08, 1.08, 1.08 and 1.5 in a run give 1.08, and 1.08 again without the fourth. None when no
-  // other span has a shift there.
+  // The run's factor: StepFactor's over the log shifts of the spans in the run, without leftOut's
+  // (an index into spans), so that a series is never judged against a factor it moved itself.
+  // Example: shifts of 1.08, 1.08, 1.08 and 1.5 in a run give 1.08, and 1.08 again without the
+  // fourth. None when fewer than StepFactor::minSeries spans have a shift there.
   std::optional<double> factor(size_t run, std::optional<size_t> leftOut = std::nullopt) const;
 
 private:

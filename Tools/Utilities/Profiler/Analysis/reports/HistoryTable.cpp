@@ -3,6 +3,7 @@
 
 #include "ReportText.h"
 #include "TerminalText.h"
+#include "comparison/StepFactor.h"
 
 #include <algorithm>
 
@@ -19,8 +20,8 @@ std::string percentText(const HistoryChange& change) {
 void writeGraphLines(std::ostream& out, const HistoryGraph& graph, const History& history) {
   const auto hasFactor = [](const std::optional<double>& factor) { return bool(factor); };
   if (std::none_of(graph.runFactor.begin(), graph.runFactor.end(), hasFactor)) {
-    out << analysis_internal::formatTerminalText(graph.name)
-        << ": no run-wide factor (it needs 3 steps with spans)\n";
+    out << analysis_internal::formatTerminalText(graph.name) << ": no run-wide factor (it needs "
+        << StepFactor::minSeries << " steps with spans)\n";
     return;
   }
   if (graph.runWide.empty()) {

@@ -1,6 +1,6 @@
 // The rules of a history that a handful of logs express badly: the exact rank-sum p-value
-// against every order of small samples, where a split is placed and when there is none, and the
-// run-wide factor without the series judged.
+// against every order of small samples, with ties and without, where a split is placed and when
+// there is none, and the run-wide factor without the series judged.
 #include "history/ChangeSplit.h"
 #include "history/RankSumTest.h"
 #include "history/RunWideShifts.h"
@@ -52,14 +52,16 @@ TEST(HistoryRules, ExactRankSumPValueAgreesWithEveryOrder) {
     const size_t after = 1 + random() % 7;
     std::vector<double> a(before);
     std::vector<double> b(after);
-    // Distinct values: the test is exact only without ties.
+    // Every other sample distinct values, the others many ties.
+    const bool tied = sample % 2;
     std::vector<double> values(before + after);
     for (size_t i = 0; i < values.size(); ++i)
-      values[i] = double(i * 3 + 1);
+      values[i] = tied ? double(random() % 4) : double(i * 3 + 1);
     std::shuffle(values.begin(), values.end(), random);
     std::copy(values.begin(), values.begin() + ptrdiff_t(before), a.begin());
     std::copy(values.begin() + ptrdiff_t(before), values.end(), b.begin());
-    SCOPED_TRACE(testing::Message() << "sample " << sample << ", " << before << " vs " << after);
+    SCOPED_TRACE(testing::Message() << "sample " << sample << ", " << before << " vs " << after
+                                    << (tied ? ", tied" : ""));
     EXPECT_NEAR(rankSumPValue(a, b), std::min(1.0, pValueOverEveryOrder(a, b)), 1e-9);
   }
 }
@@ -86,12 +88,13 @@ TEST(HistoryRules, SplitLiesAtTheStepAndNeedsEnoughRunsOnEachSide) {
        7,
        std::nullopt,
        std::nullopt},
-      {"a change that came back is a stretch: 2 of 84 orders, over the stretches' share",
+      {"a change that came back is a stretch: 1 of 84 orders (the tied 10s rule out the reverse), "
+       "over the stretches' share",
        {10, 10, 10, 20, 21, 20, 10, 11, 10},
        3,
        3,
        6,
-       2.0 / 84 / 0.2},
+       1.0 / 84 / 0.2},
       {"a one-run spike tells nothing", {5, 5, 6, 5, 50, 5, 6, 5}, 3, 4, std::nullopt, 1.0},
       {"too few values", {1, 2, 3, 4, 5}, 3, std::nullopt, std::nullopt, std::nullopt},
       {"every value equal", {7, 7, 7, 7, 7, 7, 7}, 2, std::nullopt, std::nullopt, std::nullopt},
@@ -119,11 +122,16 @@ TEST(HistoryRules, SplitLiesAtTheStepAndNeedsEnoughRunsOnEachSide) {
 }
 
 TEST(HistoryRules, RunFactorIsTheMedianShiftOfTheOtherSpans) {
-  // Four spans over three runs: run 2 is 8 % slower throughout, and span 3 alone 50 % in run 1.
-  const RunSeriesValues spans[] = {
-      {100, 100, 108}, {200, 200, 216}, {300, 300, 324}, {400, 600, std::nullopt}};
-  const std::vector<const RunSeriesValues*> pointers{&spans[0], &spans[1], &spans[2], &spans[3]};
-  const RunWideShifts shifts(pointers, 3);
+  // Five spans over four runs: run 2 is 8 % slower throughout, span 3 alone 50 % in run 1, and
+  // only three spans have a value in run 3.
+  const RunSeriesValues spans[] = {{100, 100, 108, 100},
+                                   {200, 200, 216, 200},
+                                   {300, 300, 324, 300},
+                                   {400, 600, std::nullopt, std::nullopt},
+                                   {500, 500, 540, std::nullopt}};
+  const std::vector<const RunSeriesValues*> pointers{&spans[0], &spans[1], &spans[2], &spans[3],
+                                                     &spans[4]};
+  const RunWideShifts shifts(pointers, 4);
   struct Case {
     const char* what;
     size_t run;
@@ -136,6 +144,7 @@ TEST(HistoryRules, RunFactorIsTheMedianShiftOfTheOtherSpans) {
       {"the slower span judged against the others", 1, 3, 1.0},
       {"every span slower, one without a value", 2, std::nullopt, 1.08},
       {"left out, the others still tell", 2, 0, 1.08},
+      {"three spans: without the one judged, two would be their mean", 3, 0, std::nullopt},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
