@@ -7,7 +7,7 @@
 const data = JSON.parse(document.getElementById('report-data').textContent);
 const supportedSchema = 3;
 const svgNs = 'http://www.w3.org/2000/svg';
-const topRows = 50;  // rows of a big table shown until "show all"
+const topRows = 50;                             // rows of a big table shown until "show all"
 const run = data.run || {log: '', graphs: []};  // a history's page has no run
 const comparison = data.comparison || null;
 const historyData = data.history || null;
@@ -81,9 +81,12 @@ function formatPercent(value) {
   return missing(value) ? '-' : value.toFixed(1);
 }
 
+// The sign of what is shown: a change that rounds to zero reads as none, never as "-0.0".
 function formatSigned(value) {
   if (missing(value)) return '-';
-  return (value > 0 ? '+' : value < 0 ? '\u2212' : '\u00b1') + Math.abs(value).toFixed(1);
+  const shown = Math.abs(value).toFixed(1);
+  if (Number(shown) === 0) return '\u00b1' + shown;
+  return (value > 0 ? '+' : '\u2212') + shown;
 }
 
 function formatInterval(interval) {
@@ -184,15 +187,15 @@ function readState() {
       (params.has(name) && /^\d+$/.test(params.get(name)) ? Number(params.get(name)) : null);
   const oneOf = (name, keys, fallback) =>
       (keys.includes(params.get(name)) ? params.get(name) : fallback);
-  state.view = historyData                                          ? 'history' :
+  state.view = historyData                              ? 'history' :
       params.get('view') === 'comparison' && comparison ? 'comparison' :
                                                           'steps';
   state.hsort = oneOf('hsort', historyColumns.map((c) => c.key), 'latest');
   state.hdir = oneOf('hdir', ['asc', 'desc'], 'desc');
   state.hfilter = params.get('hfilter') || '';
   state.hall = params.get('hall') === '1';
-  state.series = historyData && number('series') !== null &&
-          number('series') < historyData.series.length ?
+  state.series =
+      historyData && number('series') !== null && number('series') < historyData.series.length ?
       number('series') :
       null;
   state.graph = Math.min(number('graph') || 0, Math.max(run.graphs.length - 1, 0));
@@ -699,8 +702,9 @@ function renderSteps() {
   measureSwitch.hidden = !graph.series.some((s) => s.kind === 'wait');
   const matching =
       items.filter((item) => matchesFilter(state.filter, item.series.name, item.series.parent));
-  const visible = showSorted(table, matching, stepColumns.find((c) => c.key === state.sort) ||
-                                 stepColumns[3], state.dir, state.all, showAllSteps);
+  const visible = showSorted(
+      table, matching, stepColumns.find((c) => c.key === state.sort) || stepColumns[3], state.dir,
+      state.all, showAllSteps);
   const noun = state.measure === 'wait' ? 'waits' : 'steps';
   stepsBar.status.textContent = `${visible.length} of ${items.length} ${noun}`;
   stepsNote.textContent = items.length === 0 ?
@@ -1219,9 +1223,8 @@ function renderComparison() {
   const folded = state.same ? 0 : matching.filter((item) => item.row.verdict === 'same').length;
   const unfolded = state.same ? matching : matching.filter((item) => item.row.verdict !== 'same');
   const visible = showSorted(
-      table, unfolded,
-      comparisonColumns.find((c) => c.key === state.csort) || comparisonColumns[0], state.cdir,
-      state.call, allButton);
+      table, unfolded, comparisonColumns.find((c) => c.key === state.csort) || comparisonColumns[0],
+      state.cdir, state.call, allButton);
   const sameCount = matching.filter((item) => item.row.verdict === 'same').length;
   sameButton.hidden = sameCount === 0;
   sameButton.textContent = state.same ? 'Fold the same rows' : `Show ${sameCount} same rows`;
@@ -1339,9 +1342,9 @@ function runLabel(index) {
 
 function changeText(change) {
   const sign = verdictSigns[change.verdict] || change.verdict;
-  return missing(change.changePercent) ? `${sign} at run ${change.run}` :
-                                         `${sign} at run ${change.run}, ${
-                                             formatChange(change.changePercent, change.interval)}`;
+  return missing(change.changePercent) ?
+      `${sign} at run ${change.run}` :
+      `${sign} at run ${change.run}, ${formatChange(change.changePercent, change.interval)}`;
 }
 
 // The series' values as a line broken where a run has none.
@@ -1415,38 +1418,38 @@ function drawHistoryChart(series) {
   const top = Math.max(...bounds);
   const x = linearScale(0, Math.max(runCount - 1, 1), plot.left + 10, plot.width - plot.right - 10);
   const y = linearScale(bottom, top, plot.height - plot.bottom, plot.top + 4);
-  yTicks(picture, linearTicks(bottom, top, 4), y, formatValue);  // runs differ by little: whole digits
-  xTicks(picture, linearTicks(0, Math.max(runCount - 1, 1), 6).filter(Number.isInteger), x,
-         formatShort);
+  yTicks(
+      picture, linearTicks(bottom, top, 4), y, formatValue);  // runs differ by little: whole digits
+  xTicks(
+      picture, linearTicks(0, Math.max(runCount - 1, 1), 6).filter(Number.isInteger), x,
+      formatShort);
   const bottomY = plot.height - plot.bottom;
   series.changes.forEach((change, i) => {
     picture.append(changeMark(change, x, plot.top - 12, bottomY));
     const from = i ? series.changes[i - 1].run - 0.5 : 0;
     const to = i + 1 < series.changes.length ? series.changes[i + 1].run - 0.5 : runCount - 1;
-    const level = (value, a, b) => (missing(value) ? null : svg('line', {
-      class: 'level',
-      x1: x(a),
-      x2: x(b),
-      y1: y(value),
-      y2: y(value)
-    }));
-    picture.append(level(change.before, from, change.run - 0.5),
-                   level(change.after, change.run - 0.5, to));
+    const level = (value, a, b) =>
+        (missing(value) ?
+             null :
+             svg('line', {class: 'level', x1: x(a), x2: x(b), y1: y(value), y2: y(value)}));
+    picture.append(
+        level(change.before, from, change.run - 0.5), level(change.after, change.run - 0.5, to));
     if (change.interval && !missing(change.before)) {
       const [a, b] = change.interval.map((p) => y(change.before * (1 + p / 100)));
       const at = x(change.run - 0.5) + 6;
       const bar = `M ${at - 3} ${a} H ${at + 3} M ${at} ${a} V ${b} M ${at - 3} ${b} H ${at + 3}`;
-      picture.append(svg('path', {class: `interval ${change.verdict}`, d: bar},
-                         tooltip(`interval of the change: ${formatInterval(change.interval)}`)));
+      picture.append(
+          svg('path', {class: `interval ${change.verdict}`, d: bar},
+              tooltip(`interval of the change: ${formatInterval(change.interval)}`)));
     }
   });
   picture.append(svg('path', {class: 'values', d: valuePath(series.values, x, y)}));
   const dots = svg('g', {});
   series.values.forEach((value, run) => {
     if (!missing(value))
-      dots.append(svg('circle',
-                      {class: 'point', cx: x(run).toFixed(1), cy: y(value).toFixed(1), r: 3},
-                      tooltip(`${runLabel(run)}: ${withUnit(value)}`)));
+      dots.append(
+          svg('circle', {class: 'point', cx: x(run).toFixed(1), cy: y(value).toFixed(1), r: 3},
+              tooltip(`${runLabel(run)}: ${withUnit(value)}`)));
   });
   picture.append(dots);
   return picture;
@@ -1458,8 +1461,10 @@ const seriesPanel = el('div', {id: 'series-detail', class: 'panel'});
 
 function buildSeriesPanel(series) {
   seriesPanel.replaceChildren(
-      el('header', {}, el('h3', {}, `${series.name} (${series.series} of ${series.graph}${
-                                        series.parent !== null ? ` under ${series.parent}` : ''})`),
+      el('header', {},
+         el('h3', {},
+            `${series.name} (${series.series} of ${series.graph}${
+                series.parent !== null ? ` under ${series.parent}` : ''})`),
          closeButton('close-series', () => closeDetail())),
       el('ul', {class: 'figures'},
          series.changes.map((change) => figure('change', changeText(change)))),
@@ -1501,8 +1506,9 @@ function buildHistory() {
   bar.element.insertBefore(allButton, bar.status);
   bar.status.id = 'history-status';
   const runWide = historyData.graphs.map(
-      (g) => figure(`run-wide changes of ${g.graph}`,
-                    g.runWide.length ? g.runWide.map(changeText).join('; ') : 'none'));
+      (g) => figure(
+          `run-wide changes of ${g.graph}`,
+          g.runWide.length ? g.runWide.map(changeText).join('; ') : 'none'));
   const note = el('p', {class: 'note'});
   document.getElementById('history').replaceChildren(
       el('ul', {class: 'figures'}, figure('runs', formatValue(runCount)),
@@ -1530,8 +1536,9 @@ function renderHistory() {
   const {table, items, bar, allButton, note} = historyView;
   setFilterValue(bar.filter, state.hfilter);
   const matching = items.filter(
-      (item) => matchesFilter(state.hfilter, item.series.name, item.series.parent,
-                              item.series.graph, item.series.series));
+      (item) => matchesFilter(
+          state.hfilter, item.series.name, item.series.parent, item.series.graph,
+          item.series.series));
   const visible = showSorted(
       table, matching, historyColumns.find((c) => c.key === state.hsort) || historyColumns[0],
       state.hdir, state.hall, allButton);
@@ -1541,8 +1548,8 @@ function renderHistory() {
   const series = state.series !== null ? historyData.series[state.series] : null;
   if (series && shownSeries !== state.series) buildSeriesPanel(series);
   shownSeries = series ? state.series : null;
-  placePanel(table, series ? state.series : null, seriesPanel,
-             document.getElementById('series-host'));
+  placePanel(
+      table, series ? state.series : null, seriesPanel, document.getElementById('series-host'));
 }
 
 function openSeries(index) {
