@@ -222,6 +222,15 @@ uint64_t readGate(const IntegerArgument& argument) {
   return uint64_t(gate);
 }
 
+// The command's --order: the runs as given, or by their logs' creation times.
+std::string readOrder(const TextArgument& argument) {
+  std::string order = readText(argument.value, "order");
+  if (order != "given" && order != "created")
+    throw py::value_error("order must be given or created, not " +
+                          py::repr(argument.value).cast<std::string>());
+  return order;
+}
+
 [[noreturn]] void throwRunFailure(const HistoryInputError& error) {
   throw LogFailure(error.path + ": " + error.problem);
 }
@@ -246,12 +255,13 @@ py::dict describeHistory(const History& history, const HistoryReadOptions& readi
   return attrs;
 }
 
-HistoryResult readHistory(const LogsArgument& runsArgument, const TextArgument& figure,
-                          const IntegerArgument& skipFirst, const NumberArgument& alpha,
-                          const NumberArgument& threshold, const NumberArgument& minChange,
-                          const FlagArgument& relative, const IntegerArgument& minRuns,
-                          const IntegerArgument& gate) {
+HistoryResult readHistory(const LogsArgument& runsArgument, const TextArgument& order,
+                          const TextArgument& figure, const IntegerArgument& skipFirst,
+                          const NumberArgument& alpha, const NumberArgument& threshold,
+                          const NumberArgument& minChange, const FlagArgument& relative,
+                          const IntegerArgument& minRuns, const IntegerArgument& gate) {
   const LogPaths given = readLogPaths(runsArgument.value, "runs", true);
+  const bool byCreation = readOrder(order) == "created";
   const HistoryReadOptions reading{readFigure(figure), readSkipFirst(skipFirst),
                                    std::max(1u, std::thread::hardware_concurrency())};
   const HistoryOptions options{readComparisonOptions(alpha, threshold, minChange, relative),
@@ -273,12 +283,8 @@ HistoryResult readHistory(const LogsArgument& runsArgument, const TextArgument& 
   }
   if (unread)
     throwRunFailure(*unread);
-  if (const std::optional<size_t> alone = findRunSharingNoSeries(runs))
-    throw LogFailure(runs[*alone].source +
-                     (runs[*alone].series.empty()
-                          ? " has no series: neither a log with executions nor a stats JSON with "
-                            "graphs"
-                          : " shares no series with the other runs"));
+  if (const std::optional<HistoryRunProblem> problem = arrangeHistoryRuns(runs, byCreation))
+    throw LogFailure(problem->source + ' ' + problem->problem);
   History history;
   {
     const py::gil_scoped_release released;
@@ -428,8 +434,9 @@ ValueError too.)");
       "The frames of a history of runs: changes, a row per change of a series, and values, a "
       "row per series and run with a value (see help(kvtprofile.history)).";
   const HistoryOptions historyDefaults;
-  module.def("history", &readHistory, py::arg("runs"), py::kw_only(), py::arg("figure") = "p50",
-             py::arg("skip_first") = 0, py::arg("alpha") = historyDefaults.comparison.alpha,
+  module.def("history", &readHistory, py::arg("runs"), py::kw_only(), py::arg("order") = "given",
+             py::arg("figure") = "p50", py::arg("skip_first") = 0,
+             py::arg("alpha") = historyDefaults.comparison.alpha,
              py::arg("threshold") = historyDefaults.comparison.thresholdPercent,
              py::arg("min_change") = historyDefaults.comparison.minChangeUnits,
              py::arg("relative") = historyDefaults.comparison.relative,
@@ -440,8 +447,9 @@ ValueError too.)");
 
 runs is a list (any iterable) of runs, oldest first: logs, `stats --format json` documents of
 one (a few kilobytes a run instead of the log) or "@FILE", a list of either, one path a line;
-one path alone is a history of one run (or of the runs of a list). A run may come back. Each
-series becomes one value per run, its figure ("p50", "p90" or "mean") over the run's counted
+one path alone is a history of one run (or of the runs of a list). A run may come back. order
+"created" sorts the runs by their logs' creation times instead (a stats document has none:
+LogError). Each series becomes one value per run, its figure ("p50", "p90" or "mean") over the run's counted
 executions, skip_first leaving each graph's first executions of a log out.
 
 changes: a row per change of a series, series in the history's order, each one's changes by run:
@@ -470,7 +478,7 @@ a slower change within the last gate runs.
 
 alpha, threshold, min_change and relative are compare()'s, with its defaults and checks;
 min_runs (1 or more: runs on each side of a change) and gate as the command's --min-runs and
---gate. Runs are taken in the order given. The GIL is released while the runs are read (logs
+--gate. The GIL is released while the runs are read (logs
 one per core) and searched.
 
 Raises LogError naming the file when a run cannot be read (not a log the reader takes nor a

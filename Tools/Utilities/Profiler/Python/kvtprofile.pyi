@@ -42,8 +42,8 @@ class History(NamedTuple):
     values: pandas.DataFrame
     """A row per series and run with a value: the key, run, source, value."""
 
-def history(runs: _Logs, *, figure: str = "p50", skip_first: int = 0, alpha: float = ...,
-            threshold: float = ..., min_change: float = ..., relative: bool = ...,
+def history(runs: _Logs, *, order: str = "given", figure: str = "p50", skip_first: int = 0,
+            alpha: float = ..., threshold: float = ..., min_change: float = ..., relative: bool = ...,
             min_runs: int = 3, gate: int = 5) -> History:
     """Which series changed, at which run, across runs given oldest first (logs, stats JSON
     documents, "@FILE" lists), as `kvt-profile-log history` finds them: the frame of changes and

@@ -162,8 +162,7 @@ void countTotals(History& history) {
   }
 }
 
-} // namespace history_internal
-
+// The first run none of whose series another run has; none for fewer than 2 runs.
 std::optional<size_t> findRunSharingNoSeries(const std::vector<RunSeriesFigures>& runs) {
   if (runs.size() < 2)
     return std::nullopt;
@@ -181,6 +180,29 @@ std::optional<size_t> findRunSharingNoSeries(const std::vector<RunSeriesFigures>
     if (std::none_of(runs[i].series.begin(), runs[i].series.end(), shared))
       return i;
   }
+  return std::nullopt;
+}
+
+} // namespace history_internal
+
+std::optional<HistoryRunProblem> arrangeHistoryRuns(std::vector<RunSeriesFigures>& runs,
+                                                    bool byCreation) {
+  if (byCreation) {
+    for (const RunSeriesFigures& run : runs)
+      if (!run.createdUs)
+        return HistoryRunProblem{run.source,
+                                 "has no creation time to order by (a stats JSON has none)"};
+    std::stable_sort(runs.begin(), runs.end(),
+                     [](const RunSeriesFigures& a, const RunSeriesFigures& b) {
+                       return *a.createdUs < *b.createdUs;
+                     });
+  }
+  if (const std::optional<size_t> alone = history_internal::findRunSharingNoSeries(runs))
+    return HistoryRunProblem{runs[*alone].source,
+                             runs[*alone].series.empty()
+                                 ? "has no series: neither a log with executions nor a stats JSON "
+                                   "with graphs"
+                                 : "shares no series with the other runs"};
   return std::nullopt;
 }
 

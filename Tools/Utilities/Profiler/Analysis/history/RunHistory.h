@@ -74,9 +74,19 @@ struct History {
   bool tooFewRuns = false; // fewer than 2 x minRuns runs: no change can be found
 };
 
-// The first run none of whose series another run has (a run without series among them); none
-// for fewer than 2 runs. Such a run belongs to another history.
-std::optional<size_t> findRunSharingNoSeries(const std::vector<RunSeriesFigures>& runs);
+// Why runs cannot make one history: the run at fault and what is wrong with it, worded to follow
+// its name ("has no creation time to order by (a stats JSON has none)").
+struct HistoryRunProblem {
+  std::string source;
+  std::string problem;
+};
+
+// Puts runs in the order of their creation times when byCreation (equal times keep their order),
+// then checks that each run shares a series with another, or else belongs to another history.
+// The problem names the first run without a creation time, or the first none of whose series
+// another run has (a run without series among them).
+std::optional<HistoryRunProblem> arrangeHistoryRuns(std::vector<RunSeriesFigures>& runs,
+                                                    bool byCreation);
 
 // The history of runs, oldest first. A series is tracked in the runs that have a value of it;
 // its first value after run 0 is an added change, its last before the last run a removed one.

@@ -19,18 +19,6 @@ HistoryFigure readFigure(const std::string& name) {
                           : HistoryFigure::p50;
 }
 
-// Sorts runs by their logs' creation time; the first run without one is the error.
-const RunSeriesFigures* orderByCreation(std::vector<RunSeriesFigures>& runs) {
-  for (const RunSeriesFigures& run : runs)
-    if (!run.createdUs)
-      return &run;
-  std::stable_sort(runs.begin(), runs.end(),
-                   [](const RunSeriesFigures& a, const RunSeriesFigures& b) {
-                     return *a.createdUs < *b.createdUs;
-                   });
-  return nullptr;
-}
-
 } // namespace
 
 void addHistoryRunOptions(CLI::App& command, HistoryRunOptions& options) {
@@ -71,18 +59,8 @@ std::optional<History> readHistory(const HistoryRunOptions& options, std::string
     err << command << ": cannot read the run " << error->path << ": " << error->problem << '\n';
     return std::nullopt;
   }
-  if (options.order == "created") {
-    if (const RunSeriesFigures* undated = orderByCreation(runs)) {
-      err << command << ": the run " << undated->source
-          << " has no creation time to order by (a stats JSON has none)\n";
-      return std::nullopt;
-    }
-  }
-  if (const std::optional<size_t> alone = findRunSharingNoSeries(runs)) {
-    err << command << ": the run " << runs[*alone].source
-        << (runs[*alone].series.empty() ? " has no series: neither a log with executions nor a"
-                                          " stats JSON with graphs\n"
-                                        : " shares no series with the other runs\n");
+  if (const auto problem = arrangeHistoryRuns(runs, options.order == "created")) {
+    err << command << ": the run " << problem->source << ' ' << problem->problem << '\n';
     return std::nullopt;
   }
   return buildHistory(std::move(runs), options.history);

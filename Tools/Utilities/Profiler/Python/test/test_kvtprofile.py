@@ -164,8 +164,8 @@ def test_frames_agree_with_the_tools_json(case, output, words):
         assert all(agree(row[column], printed[column]) for column in row), (row, printed)
 
 
-HISTORY_OPTIONS = {**OPTIONS, "--figure": ("figure", str), "--min-runs": ("min_runs", int),
-                   "--gate": ("gate", int)}
+HISTORY_OPTIONS = {**OPTIONS, "--order": ("order", str), "--figure": ("figure", str),
+                   "--min-runs": ("min_runs", int), "--gate": ("gate", int)}
 
 
 def history_call(case, words):
@@ -286,7 +286,7 @@ def golden_refused_histories():
                 f"{output}: exit 1" in printed) else ""
             found = re.fullmatch("kvt-profile-log history: (cannot read the (run|list) |the run )"
                                  "(<case>/.*)", message)
-            if found and "--order" not in words:
+            if found:
                 runs, options = history_call(case, words)
                 refused.append(pytest.param(runs, options,
                                             found.group(3).replace("<case>", str(case)),
