@@ -2,6 +2,7 @@
 // scratch directory; then the statistics pass, every statistics report, comparisons, the
 // execution table in each form and the report page's data. Any crash, leak, hang or runaway
 // allocation is a finding.
+#include "PageComparison.h"
 #include "ReportData.h"
 #include "RunFigures.h"
 #include "plugin/KvtProfileLogReader.h"
@@ -92,10 +93,9 @@ void writeComparison(std::ostream& out, const RunStatistics& base, const RunStat
 // The report page's data of the run alone, and compared with other.
 void writePageData(std::ostream& out, const RunFigures& figures, const RunStatistics& run,
                    const RunStatistics& other) {
-  ReportInput input{"fuzzed", 1, {figures}, std::nullopt};
+  ReportInput input{"fuzzed", 1, figures, std::nullopt, std::nullopt};
   writeReportData(out, input);
-  input.runs.push_back(figures);
-  input.comparison = figureComparison(run, other, {});
+  input.comparison = figurePageComparison(run, other, {});
   writeReportData(out, input);
 }
 
@@ -124,7 +124,7 @@ void runExecutionTable(const std::string& logPath) {
   const ExecutionRowOptions options{VisibilityLevel::keepAll, 1};
   for (const ExecutionTextFormat format : {ExecutionTextFormat::csv, ExecutionTextFormat::jsonl})
     writeExecutionText(logPath, options, format, [](std::string_view) { return true; });
-  ExecutionColumns columns;
+  ExecutionColumnBuilder columns;
   readExecutionColumns(logPath, options, columns);
 }
 

@@ -43,12 +43,20 @@ std::vector<double> exactLowerTail(uint64_t sizeA, uint64_t sizeB) {
   return tail;
 }
 
+// n x m at most maxExactPairs, without forming a product that could wrap around.
+bool fitsExactPairs(uint64_t sizeA, uint64_t sizeB) {
+  return sizeA > 0 && sizeB > 0 && sizeA <= RankSumNull::maxExactPairs / sizeB;
+}
+
 // The rank of Moses' lower bound by the normal approximation: U at or below k - 1 gives a
 // p-value below 1 - confidence, the continuity correction included.
 uint64_t normalLowerBoundRank(double pairs, double variance, double confidence) {
   const double z = normalQuantile(1 - (1 - confidence) / 2);
   const double rank = std::ceil(pairs / 2 - 0.5 - z * std::sqrt(std::max(0.0, variance)));
-  return rank >= 1 ? uint64_t(rank) : 0;
+  if (rank < 1)
+    return 0;
+  // The runs that needed-executions imagines can hold more pairs than 64 bits count.
+  return rank < 0x1p64 ? uint64_t(rank) : UINT64_MAX;
 }
 
 // The exact two-sided p-value of u with ties: over the runs of equal values in ascending order,
@@ -155,14 +163,13 @@ RankSumNull::RankSumNull(const RankStatistic& statistic) {
 }
 
 bool RankSumNull::isExactFor(const RankStatistic& statistic) {
-  return statistic.tieTerm == 0 && statistic.sizeA > 0 && statistic.sizeB > 0 &&
-         statistic.sizeA * statistic.sizeB <= maxExactPairs;
+  return statistic.tieTerm == 0 && fitsExactPairs(statistic.sizeA, statistic.sizeB);
 }
 
 bool RankSumNull::hasInterval(uint64_t sizeA, uint64_t sizeB, double confidence) {
   if (sizeA == 0 || sizeB == 0)
     return false;
-  if (sizeA * sizeB > maxExactPairs)
+  if (!fitsExactPairs(sizeA, sizeB))
     return normalLowerBoundRank(double(sizeA) * double(sizeB),
                                 untiedVariance(double(sizeA), double(sizeB)), confidence) > 0;
   // Exactly: U = 0, one ordering of C(n + m, n), must be rarer than the tail.

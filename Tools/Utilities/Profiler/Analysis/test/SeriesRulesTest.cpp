@@ -175,6 +175,13 @@ TEST(SeriesRules, NeededExecutionsGrowTheSmallerRunFirst) {
        {{10, 2.326}},
        {{5, 5}}},
       {"a band of width 0 is never reached", 100, 5, 5, {{0, 2.326}}, std::nullopt},
+      // Sizes whose product wraps around 64 bits once took the exact path and never returned.
+      {"runs of 2^40 each: one more each",
+       0,
+       uint64_t(1) << 40,
+       uint64_t(1) << 40,
+       {{10, 2.326}},
+       {{(uint64_t(1) << 40) + 1, (uint64_t(1) << 40) + 1}}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
