@@ -198,10 +198,9 @@ FrameResult readComparison(const PathArgument& basePath, const PathArgument& new
 }
 
 HistoryFigure readFigure(const TextArgument& argument) {
-  const std::string name = readText(argument.value, "figure");
-  for (const HistoryFigure figure : {HistoryFigure::p50, HistoryFigure::p90, HistoryFigure::mean})
-    if (historyFigureName(figure) == name)
-      return figure;
+  if (const std::optional<HistoryFigure> figure =
+          findHistoryFigure(readText(argument.value, "figure")))
+    return *figure;
   throw py::value_error("figure must be p50, p90 or mean, not " +
                         py::repr(argument.value).cast<std::string>());
 }

@@ -39,6 +39,13 @@ std::string_view historyFigureName(HistoryFigure figure) {
   return {};
 }
 
+std::optional<HistoryFigure> findHistoryFigure(std::string_view name) {
+  for (const HistoryFigure figure : {HistoryFigure::p50, HistoryFigure::p90, HistoryFigure::mean})
+    if (historyFigureName(figure) == name)
+      return figure;
+  return std::nullopt;
+}
+
 RunSeriesFigures figuresOfRun(const RunStatistics& run, HistoryFigure figure, std::string source) {
   RunSeriesFigures figures{std::move(source), run.createdUs, 0, {}};
   for (const GraphStatistics& graph : run.graphs) {

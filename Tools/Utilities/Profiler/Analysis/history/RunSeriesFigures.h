@@ -20,6 +20,9 @@ enum class HistoryFigure { p50, p90, mean };
 // "p50", "p90" or "mean".
 std::string_view historyFigureName(HistoryFigure figure);
 
+// The figure of that name; none for any other.
+std::optional<HistoryFigure> findHistoryFigure(std::string_view name);
+
 // A series across runs: its graph, and its kind and key within the graph as `stats` lists them.
 struct HistorySeriesKey {
   std::string graph;

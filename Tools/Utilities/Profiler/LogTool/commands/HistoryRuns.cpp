@@ -13,10 +13,9 @@ namespace kvt::profiling {
 
 namespace {
 
+// CLI11 has already held --figure to the figures' names.
 HistoryFigure readFigure(const std::string& name) {
-  return name == "p90"    ? HistoryFigure::p90
-         : name == "mean" ? HistoryFigure::mean
-                          : HistoryFigure::p50;
+  return findHistoryFigure(name).value_or(HistoryFigure::p50);
 }
 
 } // namespace
