@@ -45,8 +45,9 @@ ctest --test-dir build-asan --output-on-failure --parallel "$jobs"
 stage "thread sanitizer on the concurrency tests"
 bash scripts/setup.sh
 cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKVT_SANITIZE=thread >/dev/null
-cmake --build build-tsan --parallel "$jobs" --target KvtReaderTests
+cmake --build build-tsan --parallel "$jobs" --target KvtReaderTests KvtReadAheadTests
 build-tsan/bin/KvtReaderTests --gtest_filter='*Thread*'
+build-tsan/bin/KvtReadAheadTests
 
 stage "one definition of each name (link-time optimisation with -Wodr)"
 # Two types or declarations of one name in one program link silently and break at run time; GCC

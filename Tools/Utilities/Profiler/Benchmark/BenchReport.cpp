@@ -1,6 +1,8 @@
 // Fixed-width rows; MB are 10^6 bytes (rates of input), MiB 2^20 bytes (memory).
 #include "BenchReport.h"
 
+#include "ReadThreads.h"
+
 #include <cstdio>
 
 namespace kvt::profiling {
@@ -20,18 +22,21 @@ void printInput(const std::string& shape, uint64_t logBytes, const LogWalk& walk
               double(walk.largestChunkBytes) / mebibyte, (unsigned long long)walk.messages,
               double(walk.events) / 1e6);
   std::printf("each run in a process of its own; best of %u runs (CSV reader: %u); MB = 10^6 "
-              "bytes, MiB = 2^20 bytes\n\n",
+              "bytes, MiB = 2^20 bytes\n",
               runs, csvRuns);
+  std::printf("the readers read on one thread; the tools on all the hardware's (%u) unless a row "
+              "says otherwise\n\n",
+              hardwareThreads());
 }
 
 void printTargetHeader() {
-  std::printf("%-14s %9s %9s %8s %13s %9s\n", "", "seconds", "MB/s", "x floor", "peak RSS MiB",
+  std::printf("%-16s %9s %9s %8s %13s %9s\n", "", "seconds", "MB/s", "x floor", "peak RSS MiB",
               "CPU s");
 }
 
 void printTarget(const std::string& name, const Measured& target, uint64_t logBytes,
                  const Measured& floor) {
-  std::printf("%-14s %9.3f %9.1f %8.2f %13.1f %9.3f\n", name.c_str(), target.seconds,
+  std::printf("%-16s %9.3f %9.1f %8.2f %13.1f %9.3f\n", name.c_str(), target.seconds,
               double(logBytes) / megabyte / target.seconds, target.seconds / floor.seconds,
               double(target.peakResidentBytes) / mebibyte, target.cpuSeconds);
   std::fflush(stdout);

@@ -9,18 +9,20 @@
 #include "FloorWalk.h"
 #include "HistoryCalibration.h"
 #include "LogSynthesis.h"
+#include "ReadThreads.h"
 #include "ReaderHost.h"
 #include "ReportTarget.h"
 #include "reports/StatsReport.h"
 #include "statistics/StatisticsPass.h"
 
-#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <sstream>
+#include <vector>
 
 #include <unistd.h>
 
@@ -29,6 +31,14 @@ namespace kvt::profiling {
 namespace {
 
 namespace fs = std::filesystem;
+
+// 1, 2 and the hardware's threads, each once.
+std::vector<unsigned> threadCounts() {
+  std::vector<unsigned> counts{1, 2, hardwareThreads()};
+  std::sort(counts.begin(), counts.end());
+  counts.erase(std::unique(counts.begin(), counts.end()), counts.end());
+  return counts;
+}
 
 constexpr uint32_t graphSteps = 64; // steps of an execution of the main log and series
 constexpr uint32_t mainGraphs = 4;
@@ -112,10 +122,16 @@ private:
     if (!trace)
       return false;
     printTarget("trace reader", *trace, logBytes, *floor);
-    const std::optional<Measured> stats = measureStatistics(log.path);
-    if (!stats)
-      return false;
-    printTarget("stats", *stats, logBytes, *floor);
+    // The readers stay on their caller's thread; the tools read ahead on the rest. The last
+    // count is the hardware's, which the other tools use.
+    std::optional<Measured> stats;
+    for (const unsigned threads : threadCounts()) {
+      stats = measureStatistics(log.path, threads);
+      if (!stats)
+        return false;
+      printTarget("stats " + std::to_string(threads) + (threads == 1 ? " thread" : " threads"),
+                  *stats, logBytes, *floor);
+    }
     std::string pageSize;
     const std::optional<Measured> report = measureReport(log.path, pageSize);
     if (!report)
@@ -257,11 +273,13 @@ private:
         });
   }
 
-  // kvt-profile-log stats as the tool runs it: the pass and the table, which is discarded.
-  std::optional<Measured> measureStatistics(const std::string& logPath) {
+  // kvt-profile-log stats as the tool runs it on threads: the pass and the table, which is
+  // discarded.
+  std::optional<Measured> measureStatistics(const std::string& logPath, unsigned threads) {
     return measureBest(
         options.runs,
         [&](std::string&) {
+          setenv("KVT_PROFILER_THREADS", std::to_string(threads).c_str(), 1); // in the child
           RunStatistics run;
           if (!readRunStatistics(logPath, {}, run))
             return false;

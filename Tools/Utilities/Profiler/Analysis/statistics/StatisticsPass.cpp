@@ -2,6 +2,7 @@
 // other messages into is thrown away, and no execution is kept or averaged.
 #include "StatisticsPass.h"
 
+#include "ReadThreads.h"
 #include "StatisticsCollector.h"
 #include "log/ParseDriver.h"
 #include "model/MethodDispatch.h"
@@ -16,15 +17,15 @@ LogReadResult readRunStatistics(const std::string& path, const StatisticsOptions
   EventModel model;
   FlatBufferReaderUtil streamReader;
   std::optional<uint64_t> createdUs;
-  LogReadResult result =
-      readLogChunks(path, streamReader,
-                    [&] {
-                      if (!createdUs && streamReader.header())
-                        createdUs = streamReader.header()->epoch_timestamp_us();
-                      while (const schema::Message* message = streamReader.nextMessage())
-                        dispatchMessage(model, consumers, options.visibilityLevel, *message);
-                    },
-                    {.wholeChunksOnly = true});
+  LogReadResult result = readLogChunks(
+      path, streamReader,
+      [&] {
+        if (!createdUs && streamReader.header())
+          createdUs = streamReader.header()->epoch_timestamp_us();
+        while (const schema::Message* message = streamReader.nextMessage())
+          dispatchMessage(model, consumers, options.visibilityLevel, *message);
+      },
+      withReadAhead({.wholeChunksOnly = true}));
   if (!result.stands(options.partial))
     return result;
   run = std::move(collector).take();

@@ -1,6 +1,7 @@
 // The rows are the series walk's values, one execution at a time.
 #include "ExecutionRows.h"
 
+#include "ReadThreads.h"
 #include "log/ParseDriver.h"
 #include "model/MethodDispatch.h"
 
@@ -17,12 +18,13 @@ LogReadResult readExecutionRows(const std::string& path, const ExecutionRowOptio
   }};
   EventModel model;
   FlatBufferReaderUtil streamReader;
-  return readLogChunks(path, streamReader,
-                       [&] {
-                         while (const schema::Message* message = streamReader.nextMessage())
-                           dispatchMessage(model, consumers, options.visibilityLevel, *message);
-                       },
-                       {.wholeChunksOnly = true});
+  return readLogChunks(
+      path, streamReader,
+      [&] {
+        while (const schema::Message* message = streamReader.nextMessage())
+          dispatchMessage(model, consumers, options.visibilityLevel, *message);
+      },
+      withReadAhead({.wholeChunksOnly = true}));
 }
 
 } // namespace kvt::profiling

@@ -2,6 +2,7 @@
 #include "RunToolCommand.h"
 
 #include "CommandLine.h"
+#include "ReadThreads.h"
 #include "ToolCommands.h"
 
 namespace kvt::profiling {
@@ -14,6 +15,10 @@ int runToolCommand(const std::vector<std::string>& args, ToolConsole& console) {
   tool.footer("'kvt-profile-log COMMAND --help' describes a command.\n"
               "Exit status: 0 done, 1 bad input or unwritable output, 2 wrong command line,\n"
               "3 compare found a series slower.");
+  if (!readThreadsSetting()) {
+    console.err << "kvt-profile-log: " << describeBadReadThreads() << '\n';
+    return exitCommandLineError;
+  }
   CommandRun run{console};
   addDumpCommand(tool, run);
   addBuildCommand(tool, run);

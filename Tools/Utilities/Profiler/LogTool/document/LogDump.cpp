@@ -60,7 +60,7 @@ std::vector<std::string> dumpLog(const DumpOptions& options, std::ostream& out) 
   for (uint64_t chunk = 0;; ++chunk) {
     switch (reader.readNextChunk(true)) {
     case LogChunkReader::Status::endOfFile:
-      if (reader.trailingBytes() != 0)
+      if (reader.place().bytesAfterPrefix != 0)
         report(LogFaultKind::prefixCutShort);
       else if (chunk == 0)
         problems.push_back(
@@ -85,9 +85,9 @@ std::vector<std::string> dumpLog(const DumpOptions& options, std::ostream& out) 
       report(hasPlausibleRoot(bytes) ? LogFaultKind::failedVerification : LogFaultKind::badRoot);
     else if (!flatbuffers::GenerateText(printer, bytes.data(), &text))
       problems.push_back(options.logPath + ": chunk " + std::to_string(chunk) + " at offset " +
-                         std::to_string(reader.offset()) + " cannot be printed as JSON");
+                         std::to_string(reader.place().offset) + " cannot be printed as JSON");
     else
-      document.addChunk(reader.offset(), bytes.size(), text);
+      document.addChunk(reader.place().offset, bytes.size(), text);
   }
 }
 

@@ -2,6 +2,7 @@
 #include "ChunkBuffer.h"
 
 #include <new>
+#include <utility>
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -54,6 +55,24 @@ uint8_t* ChunkBuffer::reserveZeroed(size_t bytes) {
 
 std::span<const uint8_t> ChunkBuffer::bytes() const {
   return {current, currentBytes};
+}
+
+void ChunkBuffer::release() {
+  unmapZeroed();
+  reusable.reset();
+  reusableBytes = 0;
+  current = nullptr;
+  currentBytes = 0;
+}
+
+void swap(ChunkBuffer& a, ChunkBuffer& b) noexcept {
+  using std::swap;
+  swap(a.reusable, b.reusable);
+  swap(a.reusableBytes, b.reusableBytes);
+  swap(a.zeroed, b.zeroed);
+  swap(a.zeroedBytes, b.zeroedBytes);
+  swap(a.current, b.current);
+  swap(a.currentBytes, b.currentBytes);
 }
 
 void ChunkBuffer::unmapZeroed() {

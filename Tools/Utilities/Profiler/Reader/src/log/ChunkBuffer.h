@@ -23,6 +23,12 @@ public:
   uint8_t* reserveZeroed(size_t bytes);
   // The bytes of the latest reservation.
   std::span<const uint8_t> bytes() const;
+  // The memory held, whether in use or kept for reuse.
+  size_t heldBytes() const { return reusableBytes + zeroedBytes; }
+  // Gives all memory back.
+  void release();
+
+  friend void swap(ChunkBuffer& a, ChunkBuffer& b) noexcept;
 
 private:
   void unmapZeroed();

@@ -26,8 +26,14 @@ bool hasPlausibleRoot(std::span<const uint8_t> buffer) {
   return rootOffset != 0 && (rootOffset & 0x80000000u) == 0 && rootOffset < buffer.size();
 }
 
-bool FlatBufferReaderUtil::loadBuffer(std::span<const uint8_t> buffer) {
-  if (!hasPlausibleRoot(buffer) || !verifyProfileLog(buffer)) {
+bool verifyChunk(std::span<const uint8_t> buffer) {
+  return hasPlausibleRoot(buffer) && verifyProfileLog(buffer);
+}
+
+bool FlatBufferReaderUtil::loadBuffer(std::span<const uint8_t> buffer, Verification verification) {
+  const bool valid = verification == Verification::pending ? verifyChunk(buffer)
+                                                           : verification == Verification::passed;
+  if (!valid) {
     logMessage(logError, "Corrupted flatbuffer binary stream");
     return false;
   }

@@ -22,14 +22,26 @@ struct ChunkLimits {
 // and a root offset that is neither 0 nor has bit 31 set and lies inside the buffer.
 bool hasPlausibleRoot(std::span<const uint8_t> buffer);
 
+// Whether buffer is a valid log buffer: plausible and verified, depending on its bytes alone.
+// Reports nothing, so that it may run ahead of the chunk being read, on any thread.
+bool verifyChunk(std::span<const uint8_t> buffer);
+
+// What is known of a buffer before it is loaded.
+enum class Verification : uint8_t {
+  pending, // not verified yet
+  passed,  // verifyChunk said yes
+  failed,  // verifyChunk said no
+};
+
 class FlatBufferReaderUtil {
 public:
   virtual ~FlatBufferReaderUtil() = default;
 
-  // Verifies buffer and makes it current. The caller keeps the bytes alive while it takes
-  // messages. False, with "Corrupted flatbuffer binary stream" reported, when the bytes are no
-  // valid log buffer; the previous state then stays.
-  bool loadBuffer(std::span<const uint8_t> buffer);
+  // Verifies buffer, unless that is known already, and makes it current. The caller keeps the
+  // bytes alive while it takes messages. False, with "Corrupted flatbuffer binary stream"
+  // reported, when the bytes are no valid log buffer; the previous state then stays.
+  bool loadBuffer(std::span<const uint8_t> buffer,
+                  Verification verification = Verification::pending);
 
   // The next message of the current buffer, or null once they are exhausted.
   const schema::Message* nextMessage();

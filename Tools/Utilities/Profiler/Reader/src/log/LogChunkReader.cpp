@@ -76,31 +76,31 @@ bool LogChunkReader::open(const std::string& path) {
   return false;
 }
 
-LogFault LogChunkReader::describeChunk(LogFaultKind kind) const {
+LogFault describeChunkAt(const std::string& path, const ChunkPlace& place, LogFaultKind kind) {
   LogFault fault = makeLogFault(kind, path);
-  fault.chunk = chunkIndex;
-  fault.offset = chunkOffset;
-  fault.claimedBytes = claimedBytes;
-  fault.bytesLeft = bytesAfterPrefix;
+  fault.chunk = place.index;
+  fault.offset = place.offset;
+  fault.claimedBytes = place.claimedBytes;
+  fault.bytesLeft = place.bytesAfterPrefix;
   return fault;
 }
 
 LogChunkReader::Status LogChunkReader::readNextChunk(bool wholeOnly) {
-  chunkIndex += started ? 1 : 0;
+  latest.index += started ? 1 : 0;
   started = true;
-  chunkOffset = nextOffset;
-  claimedBytes = 0;
+  latest.offset = nextOffset;
+  latest.claimedBytes = 0;
   uint8_t prefix[4] = {};
   const uint64_t bytesBefore = bytesLeft;
   const size_t prefixBytes = std::fread(prefix, 1, sizeof prefix, file);
   bytesLeft -= std::min<uint64_t>(bytesLeft, prefixBytes);
-  bytesAfterPrefix = prefixBytes < sizeof prefix ? bytesBefore : bytesLeft;
+  latest.bytesAfterPrefix = prefixBytes < sizeof prefix ? bytesBefore : bytesLeft;
   if (prefixBytes < sizeof prefix)
     return Status::endOfFile;
   const uint32_t size = uint32_t(prefix[0]) | uint32_t(prefix[1]) << 8 | uint32_t(prefix[2]) << 16 |
                         uint32_t(prefix[3]) << 24;
-  claimedBytes = size;
-  nextOffset = chunkOffset + sizeof prefix + size;
+  latest.claimedBytes = size;
+  nextOffset = latest.offset + sizeof prefix + size;
   if (size >= ChunkLimits::maxBytes)
     return Status::oversized;
 

@@ -11,6 +11,21 @@
 
 namespace kvt::profiling {
 
+// Where a chunk lies in its file, enough to say what is wrong with it.
+struct ChunkPlace {
+  uint64_t index = 0;            // counted from 0
+  uint64_t offset = 0;           // of its size prefix
+  uint64_t claimedBytes = 0;     // its size prefix
+  uint64_t bytesAfterPrefix = 0; // what the file held after its size prefix; at the end of the
+                                 // file, the bytes after the last whole chunk
+
+  // Whether the size prefix claims more bytes than the file holds after it.
+  bool cutShort() const { return claimedBytes > bytesAfterPrefix; }
+};
+
+// The chunk at place in the file at path described as a fault of kind.
+LogFault describeChunkAt(const std::string& path, const ChunkPlace& place, LogFaultKind kind);
+
 class LogChunkReader {
 public:
   enum class Status {
@@ -39,28 +54,25 @@ public:
 
   // The bytes of the latest chunk; valid until the next read.
   std::span<const uint8_t> chunk() const { return buffer.bytes(); }
+  // Hands the latest chunk's memory to other and takes other's in its place, for reuse: a
+  // chunk can outlive the next read without being copied.
+  void exchangeBuffer(ChunkBuffer& other) { swap(buffer, other); }
 
-  // Where the latest chunk's size prefix starts in the file.
-  uint64_t offset() const { return chunkOffset; }
-  // Whether the latest size prefix claims more bytes than the file holds after it.
-  bool chunkCutShort() const { return claimedBytes > bytesAfterPrefix; }
-  // Bytes left after the last whole chunk when readNextChunk found no room for a size prefix.
-  uint64_t trailingBytes() const { return bytesAfterPrefix; }
+  // Where the latest chunk lies, or the bytes after the last one at the end of the file.
+  const ChunkPlace& place() const { return latest; }
+  const std::string& filePath() const { return path; }
 
   // The latest chunk (or the bytes after the last one, at the end of the file) described as a
   // fault of kind: its index, offset, claimed size and what the file holds after its prefix.
-  LogFault describeChunk(LogFaultKind kind) const;
+  LogFault describeChunk(LogFaultKind kind) const { return describeChunkAt(path, latest, kind); }
 
 private:
   std::FILE* file = nullptr;
   std::string path;
   LogFault failure;
   uint64_t bytesLeft = 0;
-  uint64_t chunkIndex = 0;       // of the latest chunk, counted from 0
-  uint64_t chunkOffset = 0;      // of its size prefix
-  uint64_t nextOffset = 0;       // of the size prefix after it
-  uint64_t claimedBytes = 0;     // its size prefix
-  uint64_t bytesAfterPrefix = 0; // what the file held after its size prefix
+  ChunkPlace latest;
+  uint64_t nextOffset = 0; // of the size prefix after the latest chunk
   bool started = false;
   ChunkBuffer buffer;
 };

@@ -9,42 +9,45 @@ namespace kvt::profiling {
 namespace {
 
 // The fault of a chunk the reader refuses, with its report to the log facility.
-LogFault refuseChunk(const LogChunkReader& reader, LogFaultKind kind) {
+LogFault refuseChunk(const std::string& path, const ChunkPlace& place, LogFaultKind kind) {
   logMessage(logError, "Corrupted flatbuffer binary stream");
-  return reader.describeChunk(kind);
+  return describeChunkAt(path, place, kind);
 }
 
-// The fault of the first bad chunk, or none when the file was read to its end.
-std::optional<LogFault> readChunks(LogChunkReader& reader, const std::string& path,
+// The fault of the first bad chunk, or none when the file was read to its end. last is the
+// final step taken.
+std::optional<LogFault> readChunks(ChunkStream& stream, const std::string& path,
                                    FlatBufferReaderUtil& streamReader,
                                    const std::function<void()>& drainChunk,
-                                   const LogReadOptions& options, LogReadResult& result) {
-  const bool wholeOnly = options.wholeChunksOnly;
+                                   const LogReadOptions& options, LogReadResult& result,
+                                   StreamedChunk& last) {
   for (;;) {
-    switch (reader.readNextChunk(wholeOnly)) {
+    last = stream.next();
+    const ChunkPlace& place = last.place;
+    switch (last.status) {
     case LogChunkReader::Status::endOfFile:
-      if (wholeOnly && reader.trailingBytes() != 0)
-        return refuseChunk(reader, LogFaultKind::prefixCutShort);
+      if (options.wholeChunksOnly && place.bytesAfterPrefix != 0)
+        return refuseChunk(path, place, LogFaultKind::prefixCutShort);
       return std::nullopt;
     case LogChunkReader::Status::oversized:
       // Larger than any buffer the verifier accepts: refused as it would refuse it.
-      return refuseChunk(reader, LogFaultKind::badSizePrefix);
+      return refuseChunk(path, place, LogFaultKind::badSizePrefix);
     case LogChunkReader::Status::cutShort:
-      return refuseChunk(reader, LogFaultKind::cutShort);
+      return refuseChunk(path, place, LogFaultKind::cutShort);
     case LogChunkReader::Status::outOfMemory:
       logMessage(logError, "Out of memory for a chunk of %s", path.c_str());
-      return reader.describeChunk(LogFaultKind::outOfMemory);
+      return describeChunkAt(path, place, LogFaultKind::outOfMemory);
     case LogChunkReader::Status::chunk:
-      if (!streamReader.loadBuffer(reader.chunk())) {
-        if (reader.chunkCutShort())
-          return reader.describeChunk(LogFaultKind::cutShort);
-        return reader.describeChunk(hasPlausibleRoot(reader.chunk())
-                                        ? LogFaultKind::failedVerification
-                                        : LogFaultKind::badRoot);
+      if (!streamReader.loadBuffer(last.bytes, last.verification)) {
+        if (place.cutShort())
+          return describeChunkAt(path, place, LogFaultKind::cutShort);
+        return describeChunkAt(path, place,
+                               hasPlausibleRoot(last.bytes) ? LogFaultKind::failedVerification
+                                                            : LogFaultKind::badRoot);
       }
       drainChunk();
       ++result.chunksRead;
-      result.bytesRead += 4 + reader.chunk().size();
+      result.bytesRead += 4 + last.bytes.size();
       break;
     }
   }
@@ -68,9 +71,17 @@ LogReadResult readLogChunks(const std::string& path, FlatBufferReaderUtil& strea
     result.fault = reader.openFailure();
     return result;
   }
-  result.fault = readChunks(reader, path, streamReader, drainChunk, options, result);
+  StreamedChunk last;
+  {
+    std::unique_ptr<ChunkStream> stream;
+    if (options.openStream)
+      stream = options.openStream(reader, options.wholeChunksOnly);
+    if (!stream)
+      stream = std::make_unique<SerialChunkStream>(reader, options.wholeChunksOnly);
+    result.fault = readChunks(*stream, path, streamReader, drainChunk, options, result, last);
+  } // a stream reading ahead stops before its file closes
   if (result.chunksRead == 0 && options.wholeChunksOnly) {
-    if (!result.fault && reader.trailingBytes() == 0)
+    if (!result.fault && last.place.bytesAfterPrefix == 0)
       result.fault = makeLogFault(LogFaultKind::emptyFile, path);
     else if (result.fault)
       result.fault = recognizeText(*result.fault);

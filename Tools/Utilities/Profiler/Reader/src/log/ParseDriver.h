@@ -2,11 +2,13 @@
 // drained by the caller before the next one is read.
 #pragma once
 
+#include "ChunkStream.h"
 #include "FlatBufferReaderUtil.h"
 #include "LogFault.h"
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -17,6 +19,9 @@ struct LogReadOptions {
   // the end of the file and 1 to 3 bytes after the last chunk are faults. The reader itself
   // accepts an empty file, ignores trailing bytes and verifies a cut chunk zero-padded.
   bool wholeChunksOnly = false;
+  // How the chunks of the opened file are read: none, or a null stream, reads and verifies each
+  // one on the caller's thread when the driver asks for it.
+  std::function<std::unique_ptr<ChunkStream>(LogChunkReader& file, bool wholeOnly)> openStream = {};
 };
 
 // How far a read came: the chunks verified and drained, and where the first bad one begins.
