@@ -75,6 +75,7 @@ py::object describePartials(const FrameLogs& logs,
 FrameResult readExecutions(const LogsArgument& path, const IntegerArgument& visibility,
                            const IntegerArgument& skipFirst, const FlagArgument& partialArgument) {
   const LogPaths logs = readLogPaths(path.value, "path");
+  requireReadThreads();
   const ExecutionRowOptions options{readVisibility(visibility), readSkipFirst(skipFirst)};
   const bool partial = readFlag(partialArgument.value, "partial");
   ExecutionColumnBuilder builder;
@@ -98,6 +99,7 @@ FrameResult readExecutions(const LogsArgument& path, const IntegerArgument& visi
 
 RunStatistics readStatistics(const Path& path, const StatisticsOptions& options,
                              std::string_view role = {}) {
+  requireReadThreads();
   requireExistingFile(path);
   RunStatistics run;
   const py::gil_scoped_release released;
@@ -273,6 +275,7 @@ HistoryResult readHistory(const LogsArgument& runsArgument, const TextArgument& 
     throwRunFailure(*error);
   for (const std::string& path : paths)
     requireExistingFile(path);
+  requireReadThreads();
   std::vector<RunSeriesFigures> runs;
   std::optional<HistoryInputError> unread;
   {

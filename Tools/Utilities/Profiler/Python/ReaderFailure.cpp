@@ -2,6 +2,7 @@
 // its own messages while the GIL is released.
 #include "ReaderFailure.h"
 
+#include "ReadThreads.h"
 #include "plugin/Logging.h"
 
 #include <pybind11/pybind11.h>
@@ -78,6 +79,11 @@ void requireExistingFile(const std::filesystem::path& path) {
   errno = ENOENT;
   PyErr_SetFromErrnoWithFilename(PyExc_FileNotFoundError, path.c_str());
   throw pybind11::error_already_set();
+}
+
+void requireReadThreads() {
+  if (!readThreadsSetting())
+    throw pybind11::value_error(describeBadReadThreads());
 }
 
 } // namespace kvt::profiling

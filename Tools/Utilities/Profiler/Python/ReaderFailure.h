@@ -41,4 +41,7 @@ pybind11::object describePartial(const std::optional<LogReadResult>& partial);
 // Raises FileNotFoundError when nothing is at path; the reader would only call it invalid.
 void requireExistingFile(const std::filesystem::path& path);
 
+// Raises ValueError for a KVT_PROFILER_THREADS the log tool would refuse, before a log is read.
+void requireReadThreads();
+
 } // namespace kvt::profiling

@@ -578,3 +578,13 @@ def test_another_thread_runs_while_a_log_is_read(tmp_path, log_tool):
     counter.join()
     assert len(frame) == 0
     assert len(rounds) >= 10
+
+
+def test_a_bad_thread_setting_stops_every_read_of_a_log(monkeypatch):
+    monkeypatch.setenv("KVT_PROFILER_THREADS", "0")
+    for call in (lambda: kvtprofile.executions(STEP_KEYS), lambda: kvtprofile.stats(STEP_KEYS),
+                 lambda: kvtprofile.compare(STEP_KEYS, STEP_KEYS),
+                 lambda: kvtprofile.history([STEP_KEYS, STEP_KEYS])):
+        with pytest.raises(ValueError, match='KVT_PROFILER_THREADS must be a whole number from 1 '
+                                             'to 256, not "0"'):
+            call()
