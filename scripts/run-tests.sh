@@ -37,14 +37,17 @@ bash scripts/build.sh
 ctest --test-dir build --output-on-failure --parallel "$jobs"
 ((quick)) && exit 0
 
+# The sanitizer builds optimise lightly and keep line tables only: their reports still name
+# file and line, and they compile in about two thirds of the time of -O2 -g.
+sanitized=(-DCMAKE_BUILD_TYPE=RelWithDebInfo "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 -g1 -DNDEBUG")
+
 stage "address and undefined-behaviour sanitizers"
-KVT_BUILD_DIR=build-asan bash scripts/build.sh -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DKVT_SANITIZE=address,undefined
+KVT_BUILD_DIR=build-asan bash scripts/build.sh "${sanitized[@]}" -DKVT_SANITIZE=address,undefined
 ctest --test-dir build-asan --output-on-failure --parallel "$jobs"
 
 stage "thread sanitizer on the concurrency tests"
 bash scripts/setup.sh
-cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKVT_SANITIZE=thread >/dev/null
+cmake -S . -B build-tsan -G Ninja "${sanitized[@]}" -DKVT_SANITIZE=thread >/dev/null
 cmake --build build-tsan --parallel "$jobs" --target KvtReaderTests KvtReadAheadTests
 build-tsan/bin/KvtReaderTests --gtest_filter='*Thread*'
 build-tsan/bin/KvtReadAheadTests
