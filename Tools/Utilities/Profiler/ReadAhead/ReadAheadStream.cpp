@@ -11,6 +11,7 @@ ReadAheadStream::ReadAheadStream(LogChunkReader& file, bool wholeOnly, unsigned 
                                  ReadAheadWindow window)
     : file(file), wholeOnly(wholeOnly), window{std::max<uint32_t>(window.chunks, 1), window.bytes},
       slots(this->window.chunks + 1) {
+  helpers.reserve(helperCount); // so that only starting a thread can fail below
   try {
     for (unsigned i = 0; i < helperCount; ++i)
       helpers.emplace_back([this] { help(); });
