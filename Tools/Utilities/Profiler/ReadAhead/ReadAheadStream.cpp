@@ -11,9 +11,11 @@ ReadAheadStream::ReadAheadStream(LogChunkReader& file, bool wholeOnly, unsigned 
                                  ReadAheadWindow window)
     : file(file), wholeOnly(wholeOnly), window{std::max<uint32_t>(window.chunks, 1), window.bytes},
       slots(this->window.chunks + 1) {
-  helpers.reserve(helperCount); // so that only starting a thread can fail below
+  // More helpers than chunks in the window would only wait.
+  const unsigned wanted = std::min<unsigned>(helperCount, this->window.chunks);
+  helpers.reserve(wanted); // so that only starting a thread can fail below
   try {
-    for (unsigned i = 0; i < helperCount; ++i)
+    for (unsigned i = 0; i < wanted; ++i)
       helpers.emplace_back([this] { help(); });
   } catch (const std::system_error&) {
     // Fewer helpers than asked for still read ahead; with none the caller reads alone.

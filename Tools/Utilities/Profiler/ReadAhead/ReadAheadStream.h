@@ -25,8 +25,8 @@ struct ReadAheadWindow {
 
 class ReadAheadStream final : public ChunkStream {
 public:
-  // Starts up to helpers threads on file, which must outlive the stream; none when the system
-  // gives no thread, which started() then says.
+  // Starts helpers threads on file, which must outlive the stream: at most one a chunk of the
+  // window, fewer when the system gives no more, none at all as started() says.
   ReadAheadStream(LogChunkReader& file, bool wholeOnly, unsigned helpers,
                   ReadAheadWindow window = {});
   ReadAheadStream(const ReadAheadStream&) = delete;
