@@ -25,9 +25,9 @@ struct ReadAheadWindow {
 
 class ReadAheadStream final : public ChunkStream {
 public:
-  // Starts helpers threads on file, which must outlive the stream: at most one a chunk of the
+  // Starts helperCount threads on file, which must outlive the stream: at most one a chunk of the
   // window, fewer when the system gives no more, none at all as started() says.
-  ReadAheadStream(LogChunkReader& file, bool wholeOnly, unsigned helpers,
+  ReadAheadStream(LogChunkReader& file, bool wholeOnly, unsigned helperCount,
                   ReadAheadWindow window = {});
   ReadAheadStream(const ReadAheadStream&) = delete;
   ReadAheadStream& operator=(const ReadAheadStream&) = delete;
