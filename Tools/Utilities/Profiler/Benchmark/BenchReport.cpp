@@ -1,8 +1,6 @@
 // Fixed-width rows; MB are 10^6 bytes (rates of input), MiB 2^20 bytes (memory).
 #include "BenchReport.h"
 
-#include "ReadThreads.h"
-
 #include <cstdio>
 
 namespace kvt::profiling {
@@ -24,9 +22,7 @@ void printInput(const std::string& shape, uint64_t logBytes, const LogWalk& walk
   std::printf("each run in a process of its own; best of %u runs (CSV reader: %u); MB = 10^6 "
               "bytes, MiB = 2^20 bytes\n",
               runs, csvRuns);
-  std::printf("the readers read on one thread; the tools on all the hardware's (%u) unless a row "
-              "says otherwise\n\n",
-              hardwareThreads());
+  std::printf("everything reads on one thread unless a row says otherwise\n\n");
 }
 
 void printTargetHeader() {

@@ -122,8 +122,7 @@ private:
     if (!trace)
       return false;
     printTarget("trace reader", *trace, logBytes, *floor);
-    // The readers stay on their caller's thread; the tools read ahead on the rest. The last
-    // count is the hardware's, which the other tools use.
+    // The readers stay on their caller's thread; the tools may verify ahead on the others.
     std::optional<Measured> stats;
     for (const unsigned threads : threadCounts()) {
       stats = measureStatistics(log.path, threads);

@@ -1,5 +1,5 @@
-// One lock guards the file and the window: reading a chunk's bytes is quick next to verifying
-// them, which the helpers do unlocked, each on a chunk of its own.
+// The caller reads and hands out; the helpers, and the caller when they are behind, verify. One
+// lock guards the steps' states; nobody holds it while verifying or reading.
 #include "ReadAheadStream.h"
 
 #include <algorithm>
@@ -11,14 +11,14 @@ ReadAheadStream::ReadAheadStream(LogChunkReader& file, bool wholeOnly, unsigned 
                                  ReadAheadWindow window)
     : file(file), wholeOnly(wholeOnly), window{std::max<uint32_t>(window.chunks, 1), window.bytes},
       slots(this->window.chunks + 1) {
-  // More helpers than chunks in the window would only wait.
+  // More helpers than steps in the window would only wait.
   const unsigned wanted = std::min<unsigned>(helperCount, this->window.chunks);
   helpers.reserve(wanted); // so that only starting a thread can fail below
   try {
     for (unsigned i = 0; i < wanted; ++i)
       helpers.emplace_back([this] { help(); });
   } catch (const std::system_error&) {
-    // Fewer helpers than asked for still read ahead; with none the caller reads alone.
+    // Fewer helpers still verify ahead; with none the caller does it all.
   }
 }
 
@@ -27,59 +27,80 @@ ReadAheadStream::~ReadAheadStream() {
     const std::lock_guard lock(mutex);
     stopping = true;
   }
-  roomMade.notify_all();
+  stepRead.notify_all();
   helpers.clear(); // joins them before the slots go
 }
 
-bool ReadAheadStream::hasRoom() const {
-  const uint64_t stepsAhead = nextToRead - nextToHand;
-  return stepsAhead < window.chunks && (stepsAhead == 0 || bytesAhead < window.bytes);
+// Verifies the chunk of a slot just taken from the queue, with the lock released meanwhile.
+void ReadAheadStream::verify(Slot& slot, std::unique_lock<std::mutex>& lock) {
+  if (slot.step.status == LogChunkReader::Status::chunk) {
+    lock.unlock();
+    const bool valid = verifyChunk(slot.step.bytes);
+    lock.lock();
+    slot.step.verification = valid ? Verification::passed : Verification::failed;
+  }
+  slot.ready = true;
+  stepVerified.notify_all();
 }
 
 void ReadAheadStream::help() {
   std::unique_lock lock(mutex);
   for (;;) {
-    roomMade.wait(lock, [this] { return stopping || finished || hasRoom(); });
-    if (stopping || finished)
+    stepRead.wait(lock, [this] { return stopping || nextToVerify < nextToRead; });
+    if (stopping)
       return;
-    Slot& slot = slots[nextToRead++ % slots.size()];
-    const LogChunkReader::Status status = file.readNextChunk(wholeOnly);
-    file.exchangeBuffer(slot.buffer);
-    slot.step = {status, {}, file.place(), Verification::pending};
-    if (status == LogChunkReader::Status::chunk) {
-      slot.step.bytes = slot.buffer.bytes();
-      bytesAhead += slot.step.bytes.size();
-      lock.unlock();
-      const bool valid = verifyChunk(slot.step.bytes);
-      lock.lock();
-      slot.step.verification = valid ? Verification::passed : Verification::failed;
-      finished = !valid || finished;
-    } else {
-      finished = true;
-    }
-    slot.ready = true;
-    stepReady.notify_all();
-    if (finished)
-      roomMade.notify_all(); // the other helpers are done too
+    verify(slots[nextToVerify++ % slots.size()], lock);
   }
 }
 
-void ReadAheadStream::giveBack(Slot& slot) {
-  bytesAhead -= slot.step.bytes.size();
-  slot.ready = false;
-  // A large chunk's memory is not kept in every slot it passes through.
-  if (slot.buffer.heldBytes() > window.bytes / window.chunks)
-    slot.buffer.release();
+// Reads steps until the window is full: always the one to hand out next, more while fewer than
+// window.chunks steps and window.bytes are waiting.
+void ReadAheadStream::readAhead() {
+  for (;;) {
+    {
+      const std::lock_guard lock(mutex);
+      const uint64_t stepsAhead = nextToRead - nextToHand;
+      if (readToEnd || stepsAhead >= window.chunks ||
+          (stepsAhead > 0 && bytesAhead >= window.bytes))
+        return;
+    }
+    // The slot is free: the caller gave it back, and no helper takes it before it is counted.
+    Slot& slot = slots[nextToRead % slots.size()];
+    const LogChunkReader::Status status = file.readNextChunk(wholeOnly);
+    file.exchangeBuffer(slot.buffer);
+    slot.step = {status, {}, file.place(), Verification::pending};
+    if (status == LogChunkReader::Status::chunk)
+      slot.step.bytes = slot.buffer.bytes();
+    {
+      const std::lock_guard lock(mutex);
+      slot.ready = false;
+      bytesAhead += slot.step.bytes.size();
+      readToEnd = status != LogChunkReader::Status::chunk;
+      ++nextToRead;
+    }
+    stepRead.notify_one();
+  }
 }
 
 StreamedChunk ReadAheadStream::next() {
+  {
+    const std::lock_guard lock(mutex);
+    if (nextToHand > 0) {
+      Slot& handed = slots[(nextToHand - 1) % slots.size()];
+      // A large chunk's memory is not kept in every slot it passes through.
+      if (handed.buffer.heldBytes() > window.bytes / window.chunks)
+        handed.buffer.release();
+    }
+  }
+  readAhead();
   std::unique_lock lock(mutex);
-  if (nextToHand > 0)
-    giveBack(slots[(nextToHand - 1) % slots.size()]);
   Slot& slot = slots[nextToHand % slots.size()];
-  stepReady.wait(lock, [&slot] { return slot.ready; });
+  // A step no helper has taken yet is verified here rather than waited for.
+  if (!slot.ready && nextToVerify == nextToHand)
+    verify(slots[nextToVerify++ % slots.size()], lock);
+  stepVerified.wait(lock, [&slot] { return slot.ready; });
+  bytesAhead -= slot.step.bytes.size();
   ++nextToHand;
-  roomMade.notify_all();
   return slot.step;
 }
 

@@ -1,7 +1,9 @@
-// Chunks read and verified ahead of the parse on helper threads. Verification depends on a
-// chunk's bytes alone and is most of a read's cost, so it spreads over cores while the caller
-// dispatches chunks one at a time in file order, as it would alone: every result and message
-// stays as a serial read gives it.
+// Chunks verified ahead of the parse on helper threads. Verification depends on a chunk's bytes
+// alone and is much of a read's cost, so it moves to other cores while the caller dispatches
+// chunks one at a time in file order, as it would alone: every result and message stays as a
+// serial read gives it. The caller still reads each chunk from the file itself, a step or a few
+// ahead: the bytes it is to dispatch are then still in its own core's cache, where a chunk read
+// by a helper would have to come across first, at the cost of what verifying it there saved.
 #pragma once
 
 #include "log/ChunkStream.h"
@@ -16,17 +18,17 @@
 
 namespace kvt::profiling {
 
-// How far reading may run ahead of the chunk handed out: at most chunks chunks, and no new one
-// is started once bytes are waiting, so that memory stays flat in the log's size.
+// How far reading may run ahead of the chunk handed out: at most chunks steps, and no new one
+// is read once bytes are waiting, so that memory stays flat in the log's size.
 struct ReadAheadWindow {
-  uint32_t chunks = 8;
+  uint32_t chunks = 2;
   uint64_t bytes = uint64_t(64) << 20;
 };
 
 class ReadAheadStream final : public ChunkStream {
 public:
-  // Starts helperCount threads on file, which must outlive the stream: at most one a chunk of the
-  // window, fewer when the system gives no more, none at all as started() says.
+  // Starts helperCount threads, fewer when the system gives no more, none at all as started()
+  // says. file must outlive the stream.
   ReadAheadStream(LogChunkReader& file, bool wholeOnly, unsigned helperCount,
                   ReadAheadWindow window = {});
   ReadAheadStream(const ReadAheadStream&) = delete;
@@ -41,25 +43,26 @@ private:
   struct Slot {
     ChunkBuffer buffer;
     StreamedChunk step;
-    bool ready = false;
+    bool ready = false; // read, and verified when it is a chunk
   };
 
   void help();
-  bool hasRoom() const;
-  void giveBack(Slot& slot);
+  void readAhead();
+  void verify(Slot& slot, std::unique_lock<std::mutex>& lock);
 
-  LogChunkReader& file;
+  LogChunkReader& file; // read on the caller's thread only
   const bool wholeOnly;
   const ReadAheadWindow window;
   std::vector<Slot> slots; // step n in slots[n % size]; one more than the window, for the step
                            // the caller holds
-  std::mutex mutex;        // guards everything below and the file
-  std::condition_variable stepReady;
-  std::condition_variable roomMade;
+  std::mutex mutex;        // guards the slots' steps and the counts below
+  std::condition_variable stepRead;
+  std::condition_variable stepVerified;
   uint64_t nextToRead = 0;
+  uint64_t nextToVerify = 0;
   uint64_t nextToHand = 0; // the step after the one the caller holds
-  uint64_t bytesAhead = 0; // of steps read and not yet given back
-  bool finished = false;   // the last step is read: the end, a fault or a chunk that failed
+  uint64_t bytesAhead = 0; // of steps read and not yet handed out
+  bool readToEnd = false;  // the last step is read: the end of the file or a fault
   bool stopping = false;
   std::vector<std::jthread> helpers;
 };

@@ -14,6 +14,7 @@ namespace kvt::profiling {
 namespace {
 
 constexpr const char* threadsVariable = "KVT_PROFILER_THREADS";
+constexpr unsigned maxWindowChunks = 8; // steps read ahead at most, whatever the threads
 
 std::string variableText() {
   const char* text = std::getenv(threadsVariable);
@@ -29,7 +30,7 @@ unsigned hardwareThreads() {
 std::optional<unsigned> readThreadsSetting() {
   const std::string text = variableText();
   if (text.empty())
-    return hardwareThreads();
+    return 1;
   unsigned threads = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), threads);
   if (error != std::errc() || end != text.data() + text.size() || threads < 1 ||
@@ -44,7 +45,7 @@ std::string describeBadReadThreads() {
 }
 
 LogReadOptions withReadAhead(LogReadOptions options) {
-  return withReadAhead(std::move(options), readThreadsSetting().value_or(hardwareThreads()));
+  return withReadAhead(std::move(options), readThreadsSetting().value_or(1));
 }
 
 LogReadOptions withReadAhead(LogReadOptions options, unsigned threads) {
@@ -52,7 +53,10 @@ LogReadOptions withReadAhead(LogReadOptions options, unsigned threads) {
     return options;
   options.openStream = [helpers = threads - 1](LogChunkReader& file,
                                                bool wholeOnly) -> std::unique_ptr<ChunkStream> {
-    auto stream = std::make_unique<ReadAheadStream>(file, wholeOnly, helpers);
+    // A step ahead for each helper to verify, and one more for the caller's own read.
+    ReadAheadWindow window;
+    window.chunks = std::min(helpers + 1, maxWindowChunks);
+    auto stream = std::make_unique<ReadAheadStream>(file, wholeOnly, helpers, window);
     if (!stream->started())
       return nullptr;
     return stream;
