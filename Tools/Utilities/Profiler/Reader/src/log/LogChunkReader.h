@@ -60,7 +60,6 @@ public:
 
   // Where the latest chunk lies, or the bytes after the last one at the end of the file.
   const ChunkPlace& place() const { return latest; }
-  const std::string& filePath() const { return path; }
 
   // The latest chunk (or the bytes after the last one, at the end of the file) described as a
   // fault of kind: its index, offset, claimed size and what the file holds after its prefix.
