@@ -74,7 +74,7 @@ TEST(LogDump, ReportsBadChunksAndKeepsTheGoodOnes) {
            " bytes) fails verification",
        {"1000", "3000"}},
       {"last chunk cut short",
-       [](auto& bytes) { bytes.resize(bytes.size() - 5); },
+       [](auto& bytes) { bytes.erase(bytes.end() - 5, bytes.end()); },
        1,
        "chunk 2 at offset " + third + " is cut short: its size prefix says " +
            std::to_string(thirdBytes) + " bytes, the file holds " + std::to_string(thirdBytes - 5) +
