@@ -15,6 +15,7 @@
 #include "reports/StatsReport.h"
 #include "statistics/StatisticsPass.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -122,14 +123,17 @@ private:
     if (!trace)
       return false;
     printTarget("trace reader", *trace, logBytes, *floor);
-    // The readers stay on their caller's thread; the tools may verify ahead on the others.
+    // The readers stay on their caller's thread; the tools may verify ahead on the others. The
+    // other tools' rows and ratios are at their default, one thread, as is stats' first row.
     std::optional<Measured> stats;
     for (const unsigned threads : threadCounts()) {
-      stats = measureStatistics(log.path, threads);
-      if (!stats)
+      const std::optional<Measured> threaded = measureStatistics(log.path, threads);
+      if (!threaded)
         return false;
       printTarget("stats " + std::to_string(threads) + (threads == 1 ? " thread" : " threads"),
-                  *stats, logBytes, *floor);
+                  *threaded, logBytes, *floor);
+      if (threads == 1)
+        stats = threaded;
     }
     std::string pageSize;
     const std::optional<Measured> report = measureReport(log.path, pageSize);
