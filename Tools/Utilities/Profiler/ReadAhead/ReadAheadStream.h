@@ -27,8 +27,8 @@ struct ReadAheadWindow {
 
 class ReadAheadStream final : public ChunkStream {
 public:
-  // Starts helperCount threads, fewer when the system gives no more, none at all as started()
-  // says. file must outlive the stream.
+  // Starts helperCount threads, fewer when the system gives no more; with none the caller
+  // verifies every chunk itself. file must outlive the stream.
   ReadAheadStream(LogChunkReader& file, bool wholeOnly, unsigned helperCount,
                   ReadAheadWindow window = {});
   ReadAheadStream(const ReadAheadStream&) = delete;
@@ -36,7 +36,6 @@ public:
   // Stops and joins the helpers, wherever the read is.
   ~ReadAheadStream() override;
 
-  bool started() const { return !helpers.empty(); }
   StreamedChunk next() override;
 
 private:

@@ -56,10 +56,7 @@ LogReadOptions withReadAhead(LogReadOptions options, unsigned threads) {
     // A step ahead for each helper to verify, and one more for the caller's own read.
     ReadAheadWindow window;
     window.chunks = std::min(helpers + 1, maxWindowChunks);
-    auto stream = std::make_unique<ReadAheadStream>(file, wholeOnly, helpers, window);
-    if (!stream->started())
-      return nullptr;
-    return stream;
+    return std::make_unique<ReadAheadStream>(file, wholeOnly, helpers, window);
   };
   return options;
 }

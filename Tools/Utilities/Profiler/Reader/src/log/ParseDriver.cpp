@@ -73,11 +73,9 @@ LogReadResult readLogChunks(const std::string& path, FlatBufferReaderUtil& strea
   }
   StreamedChunk last;
   {
-    std::unique_ptr<ChunkStream> stream;
-    if (options.openStream)
-      stream = options.openStream(reader, options.wholeChunksOnly);
-    if (!stream)
-      stream = std::make_unique<SerialChunkStream>(reader, options.wholeChunksOnly);
+    const std::unique_ptr<ChunkStream> stream =
+        options.openStream ? options.openStream(reader, options.wholeChunksOnly)
+                           : std::make_unique<SerialChunkStream>(reader, options.wholeChunksOnly);
     result.fault = readChunks(*stream, path, streamReader, drainChunk, options, result, last);
   } // a stream reading ahead stops before its file closes
   if (result.chunksRead == 0 && options.wholeChunksOnly) {

@@ -19,8 +19,8 @@ struct LogReadOptions {
   // the end of the file and 1 to 3 bytes after the last chunk are faults. The reader itself
   // accepts an empty file, ignores trailing bytes and verifies a cut chunk zero-padded.
   bool wholeChunksOnly = false;
-  // How the chunks of the opened file are read: none, or a null stream, reads and verifies each
-  // one on the caller's thread when the driver asks for it.
+  // How the chunks of the opened file are read: none reads and verifies each one on the
+  // caller's thread when the driver asks for it.
   std::function<std::unique_ptr<ChunkStream>(LogChunkReader& file, bool wholeOnly)> openStream = {};
 };
 
