@@ -4,9 +4,9 @@
 #   Each JSON file is one chunk (a ProfileLog root, // comments allowed); the log tool builds
 #   them, in the order given, as the chunks of the log. Fields given in the JSON are stored even
 #   when they hold their default value, so a fixture says precisely which fields are present;
-#   the order the fields are written in does not change the bytes. The log is added to
-#   the dependencies of each of <targets> (a list). KVT_LOG_TOOL names the tool: the kvt-profile-log target, or in a cross
-#   build the build machine's own (KVT_LOG_TOOL_TARGET then builds it).
+#   the order the fields are written in does not change the bytes. The log is added to the
+#   dependencies of each of <targets> (a list). KVT_LOG_TOOL names the tool: the kvt-profile-log
+#   target, or in a cross build the build machine's own (KVT_LOG_TOOL_TARGET then builds it).
 if(NOT KVT_LOG_TOOL)
   set(KVT_LOG_TOOL kvt-profile-log)
 endif()
