@@ -130,7 +130,7 @@ TEST(ReadAhead, ReadsAsASerialReadDoes) {
       if (wholeOnly) {
         EXPECT_EQ(serial.fault == "complete", c.completes) << serial.fault;
       }
-      for (const unsigned threads : {2u, 4u})
+      for (const unsigned threads : {1u, 2u, 4u}) // one: no helper, the caller verifies
         for (const ReadAheadWindow& window : windows) {
           SCOPED_TRACE(std::to_string(threads) + " threads, window of " +
                        std::to_string(window.chunks) + " chunks");
